@@ -1,0 +1,61 @@
+#pragma once
+
+#include <cstdint>
+
+#include <sx/object/sxMemory.h>
+
+// A region allocator for short-lived objects: pieces are carved out of large
+// blocks one after another (8-byte aligned pointer bumps) and are all dropped
+// at once by reset() or by destroying the arena. Objects created in an arena
+// must never be deleted, unRef'd to zero or freed one by one, and their
+// destructors are not run. An arena belongs to one thread at a time.
+class SX_API sxArena : public sxMemory {
+ public:
+  // Every block starts with this 16-byte header; the space handed out
+  // follows it. End and next-free are offsets from the block's own start.
+  struct Block {
+    std::uint32_t end;       // start + end is the end mark (arena size)
+    std::uint32_t nextFree;  // start + nextFree is the next piece
+    Block* next;             // next block of the chain, or null
+  };
+  static_assert(sizeof(Block) == 16, "block header must stay 16 bytes");
+
+  sxArena();                              // block size defaultSize
+  explicit sxArena(unsigned size);        // block size max(size, 64)
+  // A copy is a second handle on the same blocks and is not listed; only one
+  // of the two may be destroyed.
+  sxArena(const sxArena& other);
+  sxArena& operator=(const sxArena& other);
+  ~sxArena() override;
+
+  // n rounded up to a multiple of 8; null only when the heap is exhausted.
+  void* malloc(unsigned n);
+  void reset();
+  bool inRange(const void* p) const;
+  // Position in the arena list (searched from the end), -1 when absent.
+  int getIndex() const;
+  unsigned getBlockSize() const { return size; }
+  int getNumBlocks() const;
+
+  // The arena list: destroyed arenas leave a null entry so that the indices
+  // of the others stay valid.
+  static int getNum();
+  static sxArena* get(int i);
+  static void setDefaultSize(int size);
+  static unsigned getDefaultSize();
+  // Frees the arena list itself (module unload).
+  static void cleanUpClass();
+
+ private:
+  static constexpr int numHints = 17;  // requests of 8..136 bytes, one hint each
+  Block* newBlock(unsigned bytes);
+  void initHints();
+
+  unsigned size;
+  Block* blocks;
+  // First block that may still fit a request of (i + 1) * 8 bytes. Blocks
+  // only fill up between resets, so a hint never has to move backwards and
+  // the walk for the first fitting block costs O(1) amortised.
+  Block* hints[numHints];
+  bool owner;  // false for copies, which are not in the arena list
+};

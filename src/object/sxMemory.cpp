@@ -1,0 +1,78 @@
+#include <sx/object/sxArena.h>
+#include <sx/object/sxMemory.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/sxPlatform.h"
+
+namespace {
+// The heap total is one atomic counter: malloc is thread-safe by itself, so
+// accounting needs no lock around the heap call and allocation never
+// serialises the threads of the pipeline.
+constinit std::atomic<std::size_t> mSize{0};
+constinit std::atomic<bool> classInitialized{false};
+
+inline void* accounted(void* p) {
+  if (p) mSize.fetch_add(sxPlatform::usableSize(p), std::memory_order_relaxed);
+  return p;
+}
+}  // namespace
+
+void* sxMemory::operator new(std::size_t size) { return accounted(std::malloc(size)); }
+void* sxMemory::operator new[](std::size_t size) { return accounted(std::malloc(size)); }
+void* sxMemory::operator new(std::size_t size, sxArena* arena) {
+  return arena ? arena->malloc(static_cast<unsigned>(size)) : nullptr;
+}
+void sxMemory::operator delete(void* p) noexcept { free(p); }
+void sxMemory::operator delete[](void* p) noexcept { free(p); }
+void sxMemory::operator delete(void*, sxArena*) noexcept {}
+
+void* sxMemory::malloc(std::size_t size) { return accounted(std::malloc(size)); }
+void* sxMemory::malloc32(std::size_t size) { return accounted(std::malloc(size & ~std::size_t(3))); }
+void* sxMemory::calloc(std::size_t count, std::size_t size) {
+  return accounted(std::calloc(count, size));
+}
+
+void* sxMemory::realloc(void* p, std::size_t size) {
+  std::size_t old = getSize(p);
+  if (p && old >= size) return p;
+  if (!p && size == 0) return nullptr;
+  void* q = std::realloc(p, size);
+  if (!q) return nullptr;  // the old block stays valid and accounted
+  std::size_t now = sxPlatform::usableSize(q);
+  if (now >= old)
+    mSize.fetch_add(now - old, std::memory_order_relaxed);
+  else
+    mSize.fetch_sub(old - now, std::memory_order_relaxed);
+  return q;
+}
+
+void sxMemory::free(void* p) {
+  if (!p) return;
+  mSize.fetch_sub(sxPlatform::usableSize(p), std::memory_order_relaxed);
+  std::free(p);
+}
+
+std::size_t sxMemory::getSize(const void* p) {
+  return p ? sxPlatform::usableSize(const_cast<void*>(p)) : 0;
+}
+std::size_t sxMemory::getSize() { return mSize.load(std::memory_order_relaxed); }
+
+int sxMemory::compare(const void* a, const void* b, std::size_t n) {
+  return std::memcmp(a, b, n) == 0 ? 0 : 1;
+}
+
+int sxMemory::compare32(const void* a, const void* b, std::size_t n) {
+  return std::memcmp(a, b, n & ~std::size_t(3)) == 0 ? 0 : 1;
+}
+
+void sxMemory::initClass() { classInitialized.store(true); }
+bool sxMemory::isInitialized() { return classInitialized.load(); }
+
+void sxMemory::outOfMemory() {
+  std::fputs("sxCore: out of memory\n", stderr);
+  std::abort();
+}

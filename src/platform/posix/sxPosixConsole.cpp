@@ -1,0 +1,5 @@
+#include <stdio.h>
+
+#include "platform/sxPlatform.h"
+
+void sxPlatform::makeStdoutUnbuffered() { setvbuf(stdout, nullptr, _IONBF, 0); }
