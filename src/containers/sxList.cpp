@@ -22,7 +22,9 @@ sxList::sxList(int n, sxArena* arena) {
   }
 }
 
-sxList::sxList(const sxList& other) { *this = other; }
+sxList::sxList(const sxList& other) {
+  *this = other;
+}
 
 sxList::~sxList() {
   if (!isArenaList()) sxMemory::free(data);
@@ -105,7 +107,9 @@ int sxList::getIndex(const void* p) const {
   return -1;
 }
 
-void sxList::replace(void* o, void* n) { data[getIndex(o)] = n; }
+void sxList::replace(void* o, void* n) {
+  data[getIndex(o)] = n;
+}
 
 bool sxList::checkReplace(void* o, void* n) {
   int i = getIndex(o);
@@ -126,9 +130,13 @@ bool sxList::checkRemoveIndex(int i) {
   return true;
 }
 
-void sxList::remove(void* p) { removeIndex(getIndex(p)); }
+void sxList::remove(void* p) {
+  removeIndex(getIndex(p));
+}
 
-bool sxList::checkRemove(void* p) { return checkRemoveIndex(getIndex(p)); }
+bool sxList::checkRemove(void* p) {
+  return checkRemoveIndex(getIndex(p));
+}
 
 void sxList::removeOrderedIndex(int i) {
   int n = getNum();
@@ -142,9 +150,13 @@ bool sxList::checkRemoveOrderedIndex(int i) {
   return true;
 }
 
-void sxList::removeOrdered(void* p) { removeOrderedIndex(getIndex(p)); }
+void sxList::removeOrdered(void* p) {
+  removeOrderedIndex(getIndex(p));
+}
 
-bool sxList::checkRemoveOrdered(void* p) { return checkRemoveOrderedIndex(getIndex(p)); }
+bool sxList::checkRemoveOrdered(void* p) {
+  return checkRemoveOrderedIndex(getIndex(p));
+}
 
 void* sxList::removeLast() {
   int n = getNum() - 1;

@@ -2,14 +2,19 @@
 #include <sx/object/sxArena.h>
 
 #include <cstring>
+#include "object/sxModuleStatic.h"
 
 namespace {
 constexpr unsigned headerSize = sizeof(sxArena::Block);
 constinit unsigned defaultSize = 8192;
-constinit sxTList<sxArena*> arenas;
+constinit sxiModuleStatic<sxTList<sxArena*>> arenas;
 
-inline unsigned roundUp8(unsigned n) { return (n + 7u) & ~7u; }
-inline char* startOf(sxArena::Block* b) { return reinterpret_cast<char*>(b); }
+inline unsigned roundUp8(unsigned n) {
+  return (n + 7u) & ~7u;
+}
+inline char* startOf(sxArena::Block* b) {
+  return reinterpret_cast<char*>(b);
+}
 // Room left in a block; may be negative for blocks made for a large request.
 inline std::int64_t room(const sxArena::Block* b) {
   return std::int64_t(b->end) - std::int64_t(b->nextFree);
@@ -21,7 +26,7 @@ sxArena::sxArena() : sxArena(defaultSize) {}
 sxArena::sxArena(unsigned s) : size(s < 64 ? 64 : s), blocks(nullptr), owner(true) {
   blocks = newBlock(size);
   initHints();
-  arenas.add(this);
+  arenas->add(this);
 }
 
 sxArena::sxArena(const sxArena& o) : sxMemory(), size(o.size), blocks(o.blocks), owner(false) {
@@ -44,14 +49,15 @@ sxArena::~sxArena() {
   blocks = nullptr;
   if (owner) {
     int i = getIndex();
-    if (i >= 0) arenas.set(i, nullptr);
+    if (i >= 0) arenas->set(i, nullptr);
   }
 }
 
 sxArena::Block* sxArena::newBlock(unsigned bytes) {
   // A block made for a request that does not fit behind the header gets the
   // header's 16 bytes extra, so the whole request lies inside the allocation.
-  std::size_t alloc = std::size_t(bytes) + headerSize > size ? std::size_t(bytes) + headerSize : size;
+  std::size_t alloc =
+      std::size_t(bytes) + headerSize > size ? std::size_t(bytes) + headerSize : size;
   Block* b = static_cast<Block*>(sxMemory::malloc(alloc));
   if (!b) return nullptr;
   b->end = size;
@@ -110,8 +116,8 @@ bool sxArena::inRange(const void* p) const {
 }
 
 int sxArena::getIndex() const {
-  for (int i = arenas.getNum() - 1; i >= 0; --i)
-    if (arenas[i] == this) return i;
+  for (int i = arenas->getNum() - 1; i >= 0; --i)
+    if ((*arenas)[i] == this) return i;
   return -1;
 }
 
@@ -121,8 +127,18 @@ int sxArena::getNumBlocks() const {
   return n;
 }
 
-int sxArena::getNum() { return arenas.getNum(); }
-sxArena* sxArena::get(int i) { return arenas.indexInRange(i) ? arenas[i] : nullptr; }
-void sxArena::setDefaultSize(int s) { defaultSize = s < 64 ? 64u : unsigned(s); }
-unsigned sxArena::getDefaultSize() { return defaultSize; }
-void sxArena::cleanUpClass() { arenas.setSize(0); }
+int sxArena::getNum() {
+  return arenas->getNum();
+}
+sxArena* sxArena::get(int i) {
+  return arenas->indexInRange(i) ? (*arenas)[i] : nullptr;
+}
+void sxArena::setDefaultSize(int s) {
+  defaultSize = s < 64 ? 64u : unsigned(s);
+}
+unsigned sxArena::getDefaultSize() {
+  return defaultSize;
+}
+void sxArena::cleanUpClass() {
+  arenas->setSize(0);
+}

@@ -21,17 +21,29 @@ inline void* accounted(void* p) {
 }
 }  // namespace
 
-void* sxMemory::operator new(std::size_t size) { return accounted(std::malloc(size)); }
-void* sxMemory::operator new[](std::size_t size) { return accounted(std::malloc(size)); }
+void* sxMemory::operator new(std::size_t size) {
+  return accounted(std::malloc(size));
+}
+void* sxMemory::operator new[](std::size_t size) {
+  return accounted(std::malloc(size));
+}
 void* sxMemory::operator new(std::size_t size, sxArena* arena) {
   return arena ? arena->malloc(static_cast<unsigned>(size)) : nullptr;
 }
-void sxMemory::operator delete(void* p) noexcept { free(p); }
-void sxMemory::operator delete[](void* p) noexcept { free(p); }
+void sxMemory::operator delete(void* p) noexcept {
+  free(p);
+}
+void sxMemory::operator delete[](void* p) noexcept {
+  free(p);
+}
 void sxMemory::operator delete(void*, sxArena*) noexcept {}
 
-void* sxMemory::malloc(std::size_t size) { return accounted(std::malloc(size)); }
-void* sxMemory::malloc32(std::size_t size) { return accounted(std::malloc(size & ~std::size_t(3))); }
+void* sxMemory::malloc(std::size_t size) {
+  return accounted(std::malloc(size));
+}
+void* sxMemory::malloc32(std::size_t size) {
+  return accounted(std::malloc(size & ~std::size_t(3)));
+}
 void* sxMemory::calloc(std::size_t count, std::size_t size) {
   return accounted(std::calloc(count, size));
 }
@@ -59,7 +71,9 @@ void sxMemory::free(void* p) {
 std::size_t sxMemory::getSize(const void* p) {
   return p ? sxPlatform::usableSize(const_cast<void*>(p)) : 0;
 }
-std::size_t sxMemory::getSize() { return mSize.load(std::memory_order_relaxed); }
+std::size_t sxMemory::getSize() {
+  return mSize.load(std::memory_order_relaxed);
+}
 
 int sxMemory::compare(const void* a, const void* b, std::size_t n) {
   return std::memcmp(a, b, n) == 0 ? 0 : 1;
@@ -69,8 +83,12 @@ int sxMemory::compare32(const void* a, const void* b, std::size_t n) {
   return std::memcmp(a, b, n & ~std::size_t(3)) == 0 ? 0 : 1;
 }
 
-void sxMemory::initClass() { classInitialized.store(true); }
-bool sxMemory::isInitialized() { return classInitialized.load(); }
+void sxMemory::initClass() {
+  classInitialized.store(true);
+}
+bool sxMemory::isInitialized() {
+  return classInitialized.load();
+}
 
 void sxMemory::outOfMemory() {
   std::fputs("sxCore: out of memory\n", stderr);

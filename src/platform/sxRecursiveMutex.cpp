@@ -12,8 +12,7 @@ bool sxPlatform::RecursiveMutex::acquire(int timeoutMs) {
     return true;
   }
   int c = 0;
-  if (!state.compare_exchange_strong(c, 1, std::memory_order_acquire,
-                                     std::memory_order_relaxed)) {
+  if (!state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed)) {
     if (timeoutMs == 0) return false;
     using clock = std::chrono::steady_clock;
     const auto deadline = clock::now() + std::chrono::milliseconds(timeoutMs < 0 ? 0 : timeoutMs);

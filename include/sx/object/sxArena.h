@@ -20,8 +20,8 @@ class SX_API sxArena : public sxMemory {
   };
   static_assert(sizeof(Block) == 16, "block header must stay 16 bytes");
 
-  sxArena();                              // block size defaultSize
-  explicit sxArena(unsigned size);        // block size max(size, 64)
+  sxArena();                        // block size defaultSize
+  explicit sxArena(unsigned size);  // block size max(size, 64)
   // A copy is a second handle on the same blocks and is not listed; only one
   // of the two may be destroyed.
   sxArena(const sxArena& other);

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <new>
+#include <utility>
 
 #include <sx/sxExport.h>
 
@@ -66,3 +68,18 @@ struct sxAllocator {
     return true;
   }
 };
+
+// Constructs a T in accounted heap memory; null when the heap is exhausted.
+template <class T, class... Args>
+T* sxNew(Args&&... args) {
+  void* p = sxMemory::malloc(sizeof(T));
+  return p ? ::new (p) T(std::forward<Args>(args)...) : nullptr;
+}
+
+// Destroys and frees an object made by sxNew; null is ignored.
+template <class T>
+void sxDelete(T* p) {
+  if (!p) return;
+  p->~T();
+  sxMemory::free(p);
+}

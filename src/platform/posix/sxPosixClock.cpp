@@ -9,7 +9,9 @@ std::uint64_t sxPlatform::counterTicks() {
   return std::uint64_t(ts.tv_sec) * 1000000000u + std::uint64_t(ts.tv_nsec);
 }
 
-std::uint64_t sxPlatform::counterFrequency() { return 1000000000u; }
+std::uint64_t sxPlatform::counterFrequency() {
+  return 1000000000u;
+}
 
 double sxPlatform::wallClockSeconds() {
   timeval tv;

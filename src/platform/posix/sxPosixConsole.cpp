@@ -2,4 +2,6 @@
 
 #include "platform/sxPlatform.h"
 
-void sxPlatform::makeStdoutUnbuffered() { setvbuf(stdout, nullptr, _IONBF, 0); }
+void sxPlatform::makeStdoutUnbuffered() {
+  setvbuf(stdout, nullptr, _IONBF, 0);
+}

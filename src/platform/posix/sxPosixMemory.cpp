@@ -2,4 +2,6 @@
 
 #include "platform/sxPlatform.h"
 
-std::size_t sxPlatform::usableSize(void* p) { return p ? malloc_usable_size(p) : 0; }
+std::size_t sxPlatform::usableSize(void* p) {
+  return p ? malloc_usable_size(p) : 0;
+}

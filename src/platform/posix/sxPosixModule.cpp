@@ -63,7 +63,9 @@ sxPlatform::ModuleHandle sxPlatform::moduleLoad(const char* name) {
   return dlopen(name, RTLD_NOW | RTLD_LOCAL);
 }
 
-bool sxPlatform::moduleFree(ModuleHandle module) { return module && dlclose(module) == 0; }
+bool sxPlatform::moduleFree(ModuleHandle module) {
+  return module && dlclose(module) == 0;
+}
 
 bool sxPlatform::executablePath(char* out, size_t size) {
   if (!out || size == 0) return false;

@@ -21,7 +21,8 @@ namespace {
 
 std::string storePath() {
   if (const char* p = getenv("SX_REGISTRY_FILE"); p && *p) return p;
-  if (const char* x = getenv("XDG_CONFIG_HOME"); x && *x) return std::string(x) + "/Solmax/registry";
+  if (const char* x = getenv("XDG_CONFIG_HOME"); x && *x)
+    return std::string(x) + "/Solmax/registry";
   if (const char* h = getenv("HOME"); h && *h) return std::string(h) + "/.config/Solmax/registry";
   return {};
 }
@@ -65,10 +66,17 @@ bool unescape(const std::string& in, std::string& out) {
     }
     if (++i >= in.size()) return false;
     switch (in[i]) {
-      case '\\': out.push_back('\\'); break;
-      case 'n': out.push_back('\n'); break;
-      case 'r': out.push_back('\r'); break;
-      default: return false;
+      case '\\':
+        out.push_back('\\');
+        break;
+      case 'n':
+        out.push_back('\n');
+        break;
+      case 'r':
+        out.push_back('\r');
+        break;
+      default:
+        return false;
     }
   }
   return true;
@@ -78,10 +86,17 @@ std::string escape(const char* s, size_t n) {
   std::string out;
   for (size_t i = 0; i < n && s[i]; ++i) {
     switch (s[i]) {
-      case '\\': out += "\\\\"; break;
-      case '\n': out += "\\n"; break;
-      case '\r': out += "\\r"; break;
-      default: out.push_back(s[i]);
+      case '\\':
+        out += "\\\\";
+        break;
+      case '\n':
+        out += "\\n";
+        break;
+      case '\r':
+        out += "\\r";
+        break;
+      default:
+        out.push_back(s[i]);
     }
   }
   return out;

@@ -12,7 +12,9 @@ std::uint32_t sxPlatform::currentThreadId() {
   return id;
 }
 
-void sxPlatform::yieldThread() { sched_yield(); }
+void sxPlatform::yieldThread() {
+  sched_yield();
+}
 
 void sxPlatform::sleepMilliseconds(int ms) {
   if (ms <= 0) {
@@ -44,6 +46,6 @@ void sxPlatform::wakeOneOnWord(std::atomic<int>* word) {
 }
 
 void sxPlatform::wakeAllOnWord(std::atomic<int>* word) {
-  syscall(SYS_futex, reinterpret_cast<int*>(word), FUTEX_WAKE_PRIVATE, 0x7fffffff, nullptr,
-          nullptr, 0);
+  syscall(SYS_futex, reinterpret_cast<int*>(word), FUTEX_WAKE_PRIVATE, 0x7fffffff, nullptr, nullptr,
+          0);
 }

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/nodes/sxGroup.h>
+
+// A node whose bounds colliders test.
+class SX_API sxFence : public sxGroup {
+ public:
+  SX_DECLARE_CLASS(sxFence)
+  SX_DEFAULT_CONSTRUCTORS(sxFence, sxGroup)
+};

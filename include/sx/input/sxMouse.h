@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/containers/sxQueue.h>
+
+// The queue of mouse events that the window layer fills.
+class SX_API sxMouse : public sxQueue {
+ public:
+  SX_DECLARE_CLASS(sxMouse)
+  SX_DEFAULT_CONSTRUCTORS(sxMouse, sxQueue)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/nodes/sxSwitch.h>
+
+// A switch that steps through its children over time or frames.
+class SX_API sxAutoSwitch : public sxSwitch {
+ public:
+  SX_DECLARE_CLASS(sxAutoSwitch)
+  SX_DEFAULT_CONSTRUCTORS(sxAutoSwitch, sxSwitch)
+};

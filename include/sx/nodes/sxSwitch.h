@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/nodes/sxGroup.h>
+
+// A group that selects and blends its children.
+class SX_API sxSwitch : public sxGroup {
+ public:
+  SX_DECLARE_CLASS(sxSwitch)
+  SX_DEFAULT_CONSTRUCTORS(sxSwitch, sxGroup)
+};

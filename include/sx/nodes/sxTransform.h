@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/nodes/sxGroup.h>
+
+// A group that places its sub-graph by a matrix.
+class SX_API sxTransform : public sxGroup {
+ public:
+  SX_DECLARE_CLASS(sxTransform)
+  SX_DEFAULT_CONSTRUCTORS(sxTransform, sxGroup)
+};

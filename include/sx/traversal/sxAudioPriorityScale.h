@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/traversal/sxAudioTrait.h>
+
+// Scales the audio priority of a sub-graph.
+class SX_API sxAudioPriorityScale : public sxAudioTrait {
+ public:
+  SX_DECLARE_CLASS(sxAudioPriorityScale)
+  SX_DEFAULT_CONSTRUCTORS(sxAudioPriorityScale, sxAudioTrait)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/traversal/sxTravTrait.h>
+
+// Selects which colliders see a sub-graph.
+class SX_API sxColliderMask : public sxTravTrait {
+ public:
+  SX_DECLARE_CLASS(sxColliderMask)
+  SX_DEFAULT_CONSTRUCTORS(sxColliderMask, sxTravTrait)
+};

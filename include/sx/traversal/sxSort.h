@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/traversal/sxTravTrait.h>
+
+// Selects how the drawing of a sub-graph is sorted.
+class SX_API sxSort : public sxTravTrait {
+ public:
+  SX_DECLARE_CLASS(sxSort)
+  SX_DEFAULT_CONSTRUCTORS(sxSort, sxTravTrait)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/traversal/sxTravTrait.h>
+
+// Blends a sub-graph in or out over a transition.
+class SX_API sxTransition : public sxTravTrait {
+ public:
+  SX_DECLARE_CLASS(sxTransition)
+  SX_DEFAULT_CONSTRUCTORS(sxTransition, sxTravTrait)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/object/sxBase.h>
+
+// The state of one traversal: path, matrix stacks, cull results, flags, traits.
+class SX_API sxTravContext : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxTravContext)
+  SX_DEFAULT_CONSTRUCTORS(sxTravContext, sxBase)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/traversal/sxTrait.h>
+
+// The family of traits that change how a sub-graph is traversed.
+class SX_API sxTravTrait : public sxTrait {
+ public:
+  SX_DECLARE_CLASS(sxTravTrait)
+  SX_DEFAULT_CONSTRUCTORS(sxTravTrait, sxTrait)
+};

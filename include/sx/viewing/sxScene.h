@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/viewing/sxStyle.h>
+
+// The root node of a graph that is updated once per frame.
+class SX_API sxScene : public sxStyle {
+ public:
+  SX_DECLARE_CLASS(sxScene)
+  SX_DEFAULT_CONSTRUCTORS(sxScene, sxStyle)
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/nodes/sxGroup.h>
+
+// A group that carries traits governing its whole sub-graph.
+class SX_API sxStyle : public sxGroup {
+ public:
+  SX_DECLARE_CLASS(sxStyle)
+  SX_DEFAULT_CONSTRUCTORS(sxStyle, sxGroup)
+};

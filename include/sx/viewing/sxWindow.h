@@ -1,0 +1,10 @@
+#pragma once
+
+#include <sx/object/sxBase.h>
+
+// An output window; window plug-ins give it its behaviour.
+class SX_API sxWindow : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxWindow)
+  SX_DEFAULT_CONSTRUCTORS(sxWindow, sxBase)
+};

@@ -1,0 +1,3 @@
+#include <sx/input/sxKeyboard.h>
+
+SX_IMPLEMENT_CLASS(sxKeyboard, sxQueue, sxType)

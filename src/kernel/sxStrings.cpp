@@ -1,0 +1,24 @@
+#include <sx/kernel/sxKernel.h>
+
+#include <strings.h>
+
+#include <cstdint>
+#include <cstring>
+
+int sxStrcmp(const char* a, const char* b, bool ignoreCase) {
+  if (!a && !b) return 0;
+  if (!a || !b) return -1;
+  if (ignoreCase) return strcasecmp(a, b);
+  int r = std::strcmp(a, b);  // compares as unsigned characters
+  return r < 0 ? -1 : (r > 0 ? 1 : 0);
+}
+
+unsigned sxStrToInt(const char* s) {
+  if (!s) return 0;
+  std::uint32_t w = 0;
+  for (int i = 0; s[i]; ++i) {
+    w ^= std::uint32_t(std::uint8_t(s[i])) << (8 * (i & 3));
+    ++w;
+  }
+  return w;
+}

@@ -1,0 +1,3 @@
+#include <sx/nodes/sxAction.h>
+
+SX_IMPLEMENT_CLASS(sxAction, sxBase, sxType)

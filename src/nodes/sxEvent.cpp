@@ -1,0 +1,3 @@
+#include <sx/nodes/sxEvent.h>
+
+SX_IMPLEMENT_CLASS(sxEvent, sxBase, sxType)

@@ -1,0 +1,178 @@
+#include <sx/kernel/sxKernel.h>
+#include <sx/object/sxMemory.h>
+#include <sx/object/sxPlugIn.h>
+#include <sx/object/sxType.h>
+
+#include <strings.h>
+
+#include <cctype>
+#include <cstring>
+
+#include "kernel/sxKernelInternal.h"
+#include "kernel/sxKernelLocks.h"
+#include "object/sxModuleStatic.h"
+#include "platform/sxPlatform.h"
+
+namespace {
+
+constinit sxiModuleStatic<sxTList<sxPlugIn*>> plugIns;
+constinit bool plugInLoadingEnabled = false;
+
+char* copyString(const char* s) {
+  if (!s) return nullptr;
+  std::size_t n = std::strlen(s) + 1;
+  char* p = static_cast<char*>(sxMemory::malloc(n));
+  if (p) std::memcpy(p, s, n);
+  return p;
+}
+
+void replaceString(char*& field, const char* s) {
+  char* copy = copyString(s);
+  sxMemory::free(field);
+  field = copy;
+}
+
+}  // namespace
+
+sxPlugIn::sxPlugIn(const char* moduleFileName)
+    : refCount(0),
+      module(nullptr),
+      major(0),
+      minor(0),
+      build(0),
+      name(nullptr),
+      date(nullptr),
+      company(nullptr),
+      moduleName(nullptr),
+      dynamic(false),
+      loadedHere(false),
+      saveWithFile(true) {
+  if (moduleFileName) {
+    moduleName = getModuleName(moduleFileName);
+    sxMessage("Loading plug-in:   %s\n", moduleName ? moduleName : "");
+    module = sxPlatform::moduleFind(moduleName);
+  }
+  // A module loaded after sxInit counts its instances; one present at
+  // start-up does not.
+  dynamic = module != nullptr && sxiKernel::initFlag();
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  plugIns->add(this);
+}
+
+sxPlugIn::~sxPlugIn() {
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  for (int i = types.getNum() - 1; i >= 0; --i)
+    if (i < types.getNum()) types[i]->deleteType();
+  sxType::removeRegisteredClasses(this);
+  if (moduleName) sxMessage("Unloading plug-in: %s\n", moduleName);
+  sxMemory::free(company);
+  sxMemory::free(date);
+  sxMemory::free(name);
+  sxMemory::free(moduleName);
+  company = date = name = moduleName = nullptr;
+  plugIns->checkRemove(this);
+  // Types still alive (they have instances) outlive the record; they must
+  // not call back into it.
+  for (sxType* t : types) t->plugIn = nullptr;
+  types.setSize(0);
+}
+
+void sxPlugIn::ref() {
+  if (!dynamic) return;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  ++refCount;
+}
+
+void sxPlugIn::unRef() {
+  if (!dynamic) return;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  --refCount;
+}
+
+void sxPlugIn::setCompany(const char* s) {
+  replaceString(company, s);
+}
+void sxPlugIn::setName(const char* s) {
+  replaceString(name, s);
+}
+void sxPlugIn::setRelease(int ma, int mi, int bu, const char* d) {
+  major = ma;
+  minor = mi;
+  build = bu;
+  replaceString(date, d);
+}
+void sxPlugIn::enableSaveWithFile(bool enable) {
+  saveWithFile = enable;
+}
+
+bool sxPlugIn::unload() {
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  if (!dynamic || refCount > 0 || !loadedHere) return false;
+  // Releasing the module runs its static destructors, which destroy this
+  // record: nothing of it may be touched afterwards.
+  return sxPlatform::moduleFree(module);
+}
+
+unsigned sxPlugIn::getVersion() const {
+  return sxMakeVersion(unsigned(major), unsigned(minor), unsigned(build));
+}
+
+void sxPlugIn::addType(sxType* type) {
+  types.add(type);
+}
+void sxPlugIn::removeType(sxType* type) {
+  types.checkRemoveOrdered(type);
+}
+
+sxPlugIn* sxPlugIn::find(const char* wanted) {
+  if (!wanted) return nullptr;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  for (sxPlugIn* p : *plugIns)
+    if (p->moduleName && strcasecmp(p->moduleName, wanted) == 0) return p;
+  return nullptr;
+}
+
+sxPlugIn* sxPlugIn::find(void* handle) {
+  if (!handle) return nullptr;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  for (sxPlugIn* p : *plugIns)
+    if (p->module == handle) return p;
+  return nullptr;
+}
+
+int sxPlugIn::getNum() {
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  return plugIns->getNum();
+}
+
+sxPlugIn* sxPlugIn::get(int i) {
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  return plugIns->indexInRange(i) ? (*plugIns)[i] : nullptr;
+}
+
+void sxPlugIn::enableDynamicPlugIns(bool enable) {
+  plugInLoadingEnabled = enable;
+}
+bool sxPlugIn::isDynamicPlugInsEnabled() {
+  return plugInLoadingEnabled;
+}
+
+char* sxPlugIn::getModuleName(const char* path) {
+  if (!path) return nullptr;
+  const char* base = path;
+  for (const char* p = path; *p; ++p)
+    if (*p == '\\' || *p == '/') base = p + 1;
+  char* result = copyString(base);
+  if (!result) return nullptr;
+  for (char* p = result; *p; ++p) *p = char(std::toupper(static_cast<unsigned char>(*p)));
+  if (char* marker = std::strstr(result, "-DBG"))
+    std::memmove(marker, marker + 4, std::strlen(marker + 4) + 1);
+  return result;
+}
+
+void sxPlugIn::initClass() {
+  plugIns->setSize(8);
+}
+void sxPlugIn::cleanUpClass() {
+  plugIns->setSize(0);
+}

@@ -1,0 +1,3 @@
+#include <sx/threads/sxFlushThread.h>
+
+SX_IMPLEMENT_CLASS(sxFlushThread, sxAction, sxType)

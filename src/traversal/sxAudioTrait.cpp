@@ -1,0 +1,3 @@
+#include <sx/traversal/sxAudioTrait.h>
+
+SX_IMPLEMENT_CLASS(sxAudioTrait, sxTrait, sxType)

@@ -1,0 +1,3 @@
+#include <sx/traversal/sxTrait.h>
+
+SX_IMPLEMENT_CLASS(sxTrait, sxBase, sxType)

@@ -1,0 +1,3 @@
+#include <sx/traversal/sxVisualTrait.h>
+
+SX_IMPLEMENT_CLASS(sxVisualTrait, sxTrait, sxType)

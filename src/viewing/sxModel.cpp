@@ -1,0 +1,4 @@
+#include <sx/nodes/sxGroupType.h>
+#include <sx/viewing/sxModel.h>
+
+SX_IMPLEMENT_CLASS(sxModel, sxTransform, sxGroupType)
