@@ -11,8 +11,6 @@ SX_IMPLEMENT_CLASS_STATICS(sxBase, void, sxType)
 
 namespace {
 
-constinit std::atomic<int> numRemainingDels{0};
-
 // The arenas of the arena copies being built on this thread, innermost last,
 // and whether the next sxBase to be copy-constructed is such a copy.
 struct CopyState {
@@ -209,32 +207,8 @@ bool sxBase::operator==(const sxBase& other) const {
   return std::strcmp(name, other.name) == 0;
 }
 
-int sxBase::getNumPendingDeletions() {
-  return numRemainingDels.load();
-}
+int sxBase::getNumPendingDeletions() { return sxiDeletion::pending(); }
 
 void sxBase::markDeleted(sxBase*) {
-  numRemainingDels.fetch_sub(1);
-}
-
-// --- deletion policy
-
-void sxiDeletion::release(sxBase* obj) {
-  if (sxThread::getTotalNumDownstreamThreads() == 0) {
-    delete obj;
-    return;
-  }
-  sxThread::deferDeletion(obj);
-}
-
-int sxiDeletion::refAndGet(sxBase* obj) {
-  return obj->refCount.fetch_add(1, std::memory_order_acq_rel) + 1;
-}
-
-void sxiDeletion::setRefCount(sxBase* obj, int count) {
-  obj->refCount.store(count, std::memory_order_release);
-}
-
-void sxiDeletion::addPending(int delta) {
-  numRemainingDels.fetch_add(delta);
+  sxiDeletion::addPending(-1);
 }

@@ -11,5 +11,6 @@ struct sxiDeletion {
   static int refAndGet(sxBase* obj);
   static void setRefCount(sxBase* obj, int count);
   static void addPending(int delta);
+  static int pending();
   static void destroy(sxBase* obj) { delete obj; }
 };
