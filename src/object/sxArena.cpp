@@ -23,31 +23,42 @@ inline std::int64_t room(const sxArena::Block* b) {
 
 sxArena::sxArena() : sxArena(defaultSize) {}
 
-sxArena::sxArena(unsigned s) : size(s < 64 ? 64 : s), blocks(nullptr), owner(true) {
+sxArena::sxArena(unsigned s)
+    : size(s < 64 ? 64 : s), blocks(nullptr), listed(true), ownsBlocks(true) {
   blocks = newBlock(size);
   initHints();
   arenas->add(this);
 }
 
-sxArena::sxArena(const sxArena& o) : sxMemory(), size(o.size), blocks(o.blocks), owner(false) {
+sxArena::sxArena(const sxArena& o)
+    : sxMemory(), size(o.size), blocks(o.blocks), listed(false), ownsBlocks(false) {
   initHints();
 }
 
 sxArena& sxArena::operator=(const sxArena& o) {
+  if (this == &o) return *this;
+  freeBlocks();
   size = o.size;
   blocks = o.blocks;
+  ownsBlocks = false;
   initHints();
   return *this;
 }
 
-sxArena::~sxArena() {
-  for (Block* b = blocks; b;) {
-    Block* next = b->next;
-    sxMemory::free(b);
-    b = next;
+void sxArena::freeBlocks() {
+  if (ownsBlocks) {
+    for (Block* b = blocks; b;) {
+      Block* next = b->next;
+      sxMemory::free(b);
+      b = next;
+    }
   }
   blocks = nullptr;
-  if (owner) {
+}
+
+sxArena::~sxArena() {
+  freeBlocks();
+  if (listed) {
     int i = getIndex();
     if (i >= 0) arenas->set(i, nullptr);
   }

@@ -22,8 +22,9 @@ class SX_API sxArena : public sxMemory {
 
   sxArena();                        // block size defaultSize
   explicit sxArena(unsigned size);  // block size max(size, 64)
-  // A copy is a second handle on the same blocks and is not listed; only one
-  // of the two may be destroyed.
+  // A copy is a second handle on the same blocks: it is not listed and does
+  // not free them, so the original must outlive it. Assignment drops the
+  // target's own blocks and makes it such a handle.
   sxArena(const sxArena& other);
   sxArena& operator=(const sxArena& other);
   ~sxArena() override;
@@ -50,6 +51,7 @@ class SX_API sxArena : public sxMemory {
   static constexpr int numHints = 17;  // requests of 8..136 bytes, one hint each
   Block* newBlock(unsigned bytes);
   void initHints();
+  void freeBlocks();
 
   unsigned size;
   Block* blocks;
@@ -57,5 +59,6 @@ class SX_API sxArena : public sxMemory {
   // only fill up between resets, so a hint never has to move backwards and
   // the walk for the first fitting block costs O(1) amortised.
   Block* hints[numHints];
-  bool owner;  // false for copies, which are not in the arena list
+  bool listed;      // in the arena list (copies are not)
+  bool ownsBlocks;  // frees the blocks when destroyed (copies do not)
 };

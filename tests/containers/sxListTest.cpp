@@ -1,0 +1,135 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <cstdint>
+
+namespace {
+void* P(std::intptr_t v) {
+  return reinterpret_cast<void*>(v);
+}
+}  // namespace
+
+TEST(sxList, GrowthStartsAtTwoSlotsAndDoubles) {
+  sxList l;
+  EXPECT_EQ(l.getCapacity(), 0);
+  EXPECT_EQ(l.add(P(1)), 0);
+  EXPECT_EQ(l.getCapacity(), 2);
+  l.add(P(2));
+  l.add(P(3));
+  EXPECT_EQ(l.getCapacity(), 4);
+  l.add(P(4));
+  l.add(P(5));
+  EXPECT_EQ(l.getCapacity(), 8);
+  sxList big(0);
+  big.set(20, P(9));  // from capacity 0: exactly what is needed
+  EXPECT_EQ(big.getCapacity(), 21);
+  EXPECT_EQ(big.getNum(), 21);
+}
+
+TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
+  sxList l;
+  for (std::intptr_t v : {10, 20, 30, 40, 20, 60}) l.add(P(v));
+  // 20 sits at 1 and 4.
+  EXPECT_EQ(l.getIndex(P(20)), 4);
+  EXPECT_TRUE(l.checkRemove(P(20)));  // the last element moves into slot 4
+  EXPECT_EQ(l[4], P(60));
+  EXPECT_EQ(l.getNum(), 5);
+  EXPECT_EQ(l.getIndex(P(20)), 1);
+  EXPECT_FALSE(l.checkRemove(P(99)));
+  EXPECT_FALSE(l.addUnique(P(30)));
+  EXPECT_TRUE(l.checkRemoveOrdered(P(20)));  // 10 30 40 60
+  EXPECT_EQ(l[1], P(30));
+  EXPECT_EQ(l[3], P(60));
+  EXPECT_TRUE(l.checkReplace(P(40), P(41)));
+  EXPECT_FALSE(l.checkReplace(P(40), P(42)));
+  EXPECT_FALSE(l.checkRemoveOrderedIndex(l.getNum()));
+  EXPECT_FALSE(l.checkRemoveIndex(-1));
+  EXPECT_EQ(l.getNum(), 4);
+  EXPECT_EQ(l.checkRemoveLast(), P(60));
+  sxList empty;
+  EXPECT_EQ(empty.checkRemoveLast(), nullptr);
+  EXPECT_EQ(empty.getNum(), 0);  // the count word stays intact
+  EXPECT_FALSE(empty.isArenaList());
+}
+
+TEST(sxList, InsertPastTheEndAndSetGrowTheCount) {
+  sxList l;
+  EXPECT_TRUE(l.insert(10, P(7)));
+  EXPECT_EQ(l.getNum(), 11);
+  EXPECT_EQ(l[10], P(7));
+  EXPECT_TRUE(l.insert(0, P(1)));
+  EXPECT_EQ(l.getNum(), 12);
+  EXPECT_EQ(l[11], P(7));
+  EXPECT_FALSE(l.insert(-1, P(1)));
+  sxList m;
+  m.add(P(1));
+  m.add(P(3));
+  m.insert(1, P(2));
+  EXPECT_EQ(m[0], P(1));
+  EXPECT_EQ(m[1], P(2));
+  EXPECT_EQ(m[2], P(3));
+  EXPECT_TRUE(m.set(5, P(6)));
+  EXPECT_EQ(m.getNum(), 6);
+  EXPECT_TRUE(m.set(0, P(0)));
+  EXPECT_EQ(m.getNum(), 6);
+}
+
+TEST(sxList, SetSizeCutsAndCopiesAssignAndCompare) {
+  sxList l;
+  for (int i = 1; i <= 6; ++i) l.add(P(i));
+  l.setSize(3);
+  EXPECT_EQ(l.getCapacity(), 3);
+  EXPECT_EQ(l.getNum(), 3);
+  EXPECT_EQ(l[2], P(3));
+  sxList copy(l);
+  EXPECT_TRUE(copy == l);
+  copy.add(P(4));
+  EXPECT_TRUE(copy != l);
+  sxList target;
+  for (int i = 0; i < 10; ++i) target.add(P(100));
+  int capacity = target.getCapacity();
+  target = l;
+  EXPECT_TRUE(target == l);
+  EXPECT_EQ(target.getCapacity(), capacity);  // never shrinks
+  l.setSize(0);
+  EXPECT_EQ(l.getNum(), 0);
+  EXPECT_EQ(l.getCapacity(), 0);
+}
+
+TEST(sxList, ArenaListsKeepTheirArena) {
+  sxArena arena(1024);
+  sxList l(4, &arena);
+  ASSERT_TRUE(l.isArenaList());
+  EXPECT_EQ(l.getArena(), &arena);
+  for (int i = 0; i < 20; ++i) l.add(P(i + 1));
+  EXPECT_EQ(l.getNum(), 20);
+  EXPECT_EQ(l[19], P(20));
+  EXPECT_TRUE(arena.inRange(&l[0]));
+  l.setSize(0);
+  EXPECT_TRUE(l.isArenaList());
+  EXPECT_EQ(l.getArena(), &arena);
+  l.add(P(5));
+  l.setSize(1);  // arena lists never shrink their storage
+  EXPECT_GE(l.getCapacity(), 2);
+  l.checkRemoveLast();
+  EXPECT_EQ(l.checkRemoveLast(), nullptr);
+  EXPECT_TRUE(l.isArenaList());
+}
+
+TEST(sxTList, TypedAccessForPointersIntegersAndFunctions) {
+  sxTList<int> ints;
+  ints.add(-5);
+  ints.add(7);
+  EXPECT_EQ(ints[0], -5);
+  EXPECT_EQ(ints.getIndex(7), 1);
+  int sum = 0;
+  for (int v : ints) sum += v;
+  EXPECT_EQ(sum, 2);
+  using Fn = int (*)();
+  sxTList<Fn> fns;
+  fns.add([] { return 3; });
+  EXPECT_EQ(fns[0](), 3);
+  sxTList<const char*> names;
+  names.add("x");
+  EXPECT_STREQ(names.checkRemoveLast(), "x");
+}

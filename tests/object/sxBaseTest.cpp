@@ -1,0 +1,146 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <cstring>
+#include <vector>
+
+#include "support/sxTestClasses.h"
+
+TEST(sxBase, ReleaseOfLastReferenceDestroysAtOnce) {
+  int before = sxTestNode::destroyed;
+  auto* n = new sxTestNode;
+  EXPECT_EQ(n->getRefCount(), 0);
+  n->ref();
+  n->ref();
+  n->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, before);
+  n->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, before + 1);
+
+  // An object nobody referenced dies at its first release.
+  auto* m = new sxTestNode;
+  m->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, before + 2);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), 0);
+}
+
+TEST(sxBase, CountSurvivesMoreThan16BitsOfReferences) {
+  auto* n = new sxTestNode;
+  for (int i = 0; i < 70000; ++i) n->ref();
+  EXPECT_EQ(n->getRefCount(), 70000);
+  int before = sxTestNode::destroyed;
+  for (int i = 0; i < 69999; ++i) n->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, before);
+  n->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, before + 1);
+}
+
+TEST(sxBase, NamesAreOwnedCopiesReplacedOnEverySet) {
+  sxBase b;
+  char text[] = "first";
+  b.setName(text);
+  text[0] = 'X';
+  EXPECT_STREQ(b.getName(), "first");
+  b.setName("a much longer second name than the first");
+  EXPECT_STREQ(b.getName(), "a much longer second name than the first");
+  b.setName(b.getName());  // self-assignment keeps the text
+  EXPECT_STREQ(b.getName(), "a much longer second name than the first");
+  b.setName(nullptr);
+  EXPECT_EQ(b.getName(), nullptr);
+}
+
+TEST(sxBase, CopyTakesFlagsAndNameButNotCountOrAttributes) {
+  auto* attr = new sxTestNode;
+  sxTestNode a;
+  a.setName("orig");
+  a.enableDynamic(true);
+  a.value = 7;
+  a.addAttribute(attr);
+  a.ref();
+  sxTestNode b(a);
+  EXPECT_STREQ(b.getName(), "orig");
+  EXPECT_NE(b.getName(), a.getName());
+  EXPECT_TRUE(b.isDynamic());
+  EXPECT_EQ(b.getRefCount(), 0);
+  EXPECT_EQ(b.getAttribList(), nullptr);
+  EXPECT_EQ(b.value, 7);
+  EXPECT_EQ(attr->getRefCount(), 1);
+}
+
+TEST(sxBase, DestructorReleasesAttributesLastToFirst) {
+  static std::vector<int> order;
+  order.clear();
+  struct Recorder : sxTestNode {
+    explicit Recorder(int id) : id(id) {}
+    ~Recorder() override { order.push_back(id); }
+    int id;
+  };
+  auto* owner = new sxTestNode;
+  auto* shared = new Recorder(99);
+  shared->ref();  // kept alive by the test
+  owner->addAttribute(new Recorder(1));
+  owner->addAttribute(nullptr);  // ignored
+  owner->addAttribute(shared);
+  owner->addAttribute(new Recorder(3));
+  ASSERT_EQ(owner->getAttribList()->getNum(), 3);
+  EXPECT_EQ(shared->getRefCount(), 2);
+  delete owner;
+  EXPECT_EQ(order, (std::vector<int>{3, 1}));
+  EXPECT_EQ(shared->getRefCount(), 1);
+  shared->unRef();
+  EXPECT_EQ(order.back(), 99);
+}
+
+TEST(sxBase, EqualityComparesFlagsAndNamesOnly) {
+  sxBase a, b;
+  sxTestNode c;
+  EXPECT_TRUE(a == c);  // unnamed, equal flags, different classes
+  a.setName("x");
+  EXPECT_TRUE(a != c);  // one name null
+  c.setName("x");
+  EXPECT_TRUE(a == c);
+  c.setName("X");
+  EXPECT_TRUE(a != c);  // byte-for-byte
+  b.setName("x");
+  b.enableDynamic(true);
+  EXPECT_TRUE(a != b);
+  a.ref();
+  b.enableDynamic(false);
+  EXPECT_TRUE(a == b);  // counts are not compared
+}
+
+TEST(sxBase, TypeQueriesFollowTheClassTree) {
+  sxTestLeaf leaf;
+  sxTestNode node;
+  EXPECT_TRUE(leaf.isOfType(sxTestNode::getClassType()));
+  EXPECT_TRUE(leaf.isOfType(sxBase::getClassType()));
+  EXPECT_FALSE(node.isOfType(sxTestLeaf::getClassType()));
+  EXPECT_TRUE(leaf.isOfType(&node));
+  EXPECT_FALSE(leaf.isOfExactType(&node));
+  EXPECT_TRUE(leaf.isOfExactType(sxTestLeaf::getClassType()));
+  EXPECT_FALSE(leaf.isOfType(static_cast<const sxType*>(nullptr)));
+  EXPECT_FALSE(leaf.isOfType(static_cast<const sxBase*>(nullptr)));
+}
+
+TEST(sxBase, DisposableCopiesLiveInTheArenaUnlisted) {
+  sxArena arena(4096);
+  sxTestNode src;
+  src.setName("template");
+  src.value = 5;
+  int listed = sxTestNode::getNum(false);
+  int all = sxBase::getNum(false);
+  auto* copy = static_cast<sxTestNode*>(src.createDisposableCopy(&arena));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_TRUE(arena.inRange(copy));
+  EXPECT_TRUE(arena.inRange(copy->getName()));
+  EXPECT_STREQ(copy->getName(), "template");
+  EXPECT_EQ(copy->value, 5);
+  EXPECT_TRUE(copy->isDisposable());
+  EXPECT_EQ(sxTestNode::getNum(false), listed);
+  EXPECT_EQ(sxBase::getNum(false), all);
+  EXPECT_EQ(src.createDisposableCopy(nullptr), nullptr);
+  // The class of the copy is the source's.
+  EXPECT_EQ(copy->getType(), sxTestNode::getClassType());
+  // Objects made while an arena copy is built are ordinary objects.
+  EXPECT_EQ(sxBase::getCopyArena(), nullptr);
+}

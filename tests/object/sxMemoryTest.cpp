@@ -1,0 +1,147 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <cstdint>
+#include <cstring>
+
+TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
+  std::size_t before = sxMemory::getSize();
+  void* p = sxMemory::malloc(100);
+  ASSERT_NE(p, nullptr);
+  std::size_t usable = sxMemory::getSize(p);
+  EXPECT_GE(usable, 100u);
+  EXPECT_EQ(sxMemory::getSize(), before + usable);
+  p = sxMemory::realloc(p, 5000);
+  ASSERT_NE(p, nullptr);
+  EXPECT_EQ(sxMemory::getSize(), before + sxMemory::getSize(p));
+  sxMemory::free(p);
+  EXPECT_EQ(sxMemory::getSize(), before);
+  sxMemory::free(nullptr);  // ignored
+  EXPECT_EQ(sxMemory::getSize(nullptr), 0u);
+
+  // Objects are accounted as well (the class's record and instance list
+  // exist after the first one).
+  new sxGroup;
+  sxGroup::get(0)->unRef();
+  before = sxMemory::getSize();
+  auto* g = new sxGroup;
+  EXPECT_GT(sxMemory::getSize(), before);
+  g->unRef();
+  EXPECT_EQ(sxMemory::getSize(), before);
+}
+
+TEST(sxMemory, ReallocNeverShrinks) {
+  void* p = sxMemory::malloc(256);
+  ASSERT_NE(p, nullptr);
+  EXPECT_EQ(sxMemory::realloc(p, 16), p);
+  EXPECT_EQ(sxMemory::realloc(nullptr, 0), nullptr);
+  sxMemory::free(p);
+}
+
+TEST(sxMemory, Malloc32ClearsTheLowBitsAndCallocZeroes) {
+  std::size_t before = sxMemory::getSize();
+  void* p = sxMemory::malloc32(7);  // gets 4 bytes
+  ASSERT_NE(p, nullptr);
+  EXPECT_GE(sxMemory::getSize(p), 4u);
+  sxMemory::free(p);
+  auto* z = static_cast<unsigned char*>(sxMemory::calloc(10, 10));
+  ASSERT_NE(z, nullptr);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(z[i], 0);
+  sxMemory::free(z);
+  EXPECT_EQ(sxMemory::getSize(), before);
+}
+
+TEST(sxMemory, CompareReportsOnlyEquality) {
+  const char a[] = "abcdefghij";
+  char b[sizeof a];
+  std::memcpy(b, a, sizeof a);
+  EXPECT_EQ(sxMemory::compare(a, b, 11), 0);
+  b[10] = 'x';  // in the tail after the whole words
+  EXPECT_EQ(sxMemory::compare(a, b, 11), 1);
+  EXPECT_EQ(sxMemory::compare(a, b, 10), 0);
+  EXPECT_EQ(sxMemory::compare32(a, b, 8), 0);
+  b[0] = '0';  // lower than 'a': still 1, no ordering
+  EXPECT_EQ(sxMemory::compare(a, b, 4), 1);
+  EXPECT_EQ(sxMemory::compare32(a, b, 4), 1);
+}
+
+TEST(sxArena, BlockSizesAndTheStrictFitRule) {
+  sxArena tiny(10);
+  EXPECT_EQ(tiny.getBlockSize(), 64u);
+  sxArena a(64);
+  auto* first = static_cast<char*>(a.malloc(40));  // 16 + 40 < 64
+  ASSERT_NE(first, nullptr);
+  EXPECT_EQ(a.getNumBlocks(), 1);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(first) % 8, 0u);
+  auto* second = static_cast<char*>(a.malloc(48));  // 16 + 48 is not below 64
+  EXPECT_EQ(a.getNumBlocks(), 2);
+  EXPECT_TRUE(a.inRange(first));
+  EXPECT_TRUE(a.inRange(second));
+  EXPECT_TRUE(a.inRange(first - 16));  // a block starts with its header
+  EXPECT_FALSE(a.inRange(first - 17));
+
+  sxArena b(256);
+  auto* p = static_cast<char*>(b.malloc(1));
+  auto* q = static_cast<char*>(b.malloc(1));
+  EXPECT_EQ(q - p, 8);  // malloc(1) advances by 8
+  b.reset();
+  EXPECT_EQ(b.malloc(8), p);  // the first block's start plus 16 again
+  EXPECT_EQ(b.getNumBlocks(), 1);
+}
+
+TEST(sxArena, LargeRequestsGetAFullBlockOfTheirOwn) {
+  sxArena a(64);
+  auto* big = static_cast<char*>(a.malloc(200));
+  ASSERT_NE(big, nullptr);
+  std::memset(big, 0xAB, 200);  // the whole request is usable
+  EXPECT_EQ(a.getNumBlocks(), 2);
+  a.malloc(8);  // the large block is full at once: the first block serves
+  EXPECT_EQ(a.getNumBlocks(), 2);
+  a.malloc(40);  // no room in either: a third block
+  EXPECT_EQ(a.getNumBlocks(), 3);
+  // A request just above size - 16 also fits entirely in its block.
+  sxArena c(64);
+  c.malloc(40);
+  auto* edge = static_cast<char*>(c.malloc(56));
+  std::memset(edge, 0xCD, 56);
+  EXPECT_EQ(c.getNumBlocks(), 2);
+}
+
+TEST(sxArena, FirstFitAcrossBlocksMatchesAWalkFromTheStart) {
+  // The size hints must return what a walk from the first block returns.
+  sxArena a(128);
+  auto* x = static_cast<char*>(a.malloc(96));  // block 1: 16 left
+  auto* y = static_cast<char*>(a.malloc(64));  // block 2: 48 left
+  auto* z = static_cast<char*>(a.malloc(8));   // fits block 1 (16 > 8)
+  EXPECT_EQ(z, x + 96);
+  auto* w = static_cast<char*>(a.malloc(40));  // block 1 has 8 left, block 2 has 48
+  EXPECT_EQ(w, y + 64);
+  EXPECT_EQ(a.getNumBlocks(), 2);
+  auto* v = static_cast<char*>(a.malloc(0));  // any block with room: block 1
+  EXPECT_EQ(v, x + 104);
+  a.reset();
+  EXPECT_EQ(a.malloc(96), x);
+  EXPECT_EQ(a.malloc(64), y);
+}
+
+TEST(sxArena, ListKeepsIndicesOfDestroyedArenas) {
+  int base = sxArena::getNum();
+  auto* a = new sxArena;
+  auto* b = new sxArena;
+  auto* c = new sxArena;
+  EXPECT_EQ(a->getIndex(), base);
+  delete b;
+  EXPECT_EQ(sxArena::getNum(), base + 3);
+  EXPECT_EQ(sxArena::get(base + 1), nullptr);
+  EXPECT_EQ(c->getIndex(), base + 2);
+  EXPECT_EQ(sxArena::get(base + 2), c);
+  EXPECT_EQ(sxArena::get(base + 3), nullptr);
+  EXPECT_EQ(sxArena::get(-1), nullptr);
+  // A copy shares the blocks and is not listed.
+  sxArena alias(*c);
+  EXPECT_EQ(alias.getIndex(), -1);
+  void* p = c->malloc(16);
+  EXPECT_TRUE(alias.inRange(p));
+  delete c;
+  delete a;
+}

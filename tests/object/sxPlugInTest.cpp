@@ -1,0 +1,60 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <string>
+
+namespace {
+std::string moduleName(const char* path) {
+  char* n = sxPlugIn::getModuleName(path);
+  std::string r = n ? n : "(null)";
+  sxMemory::free(n);
+  return r;
+}
+}  // namespace
+
+TEST(sxPlugIn, ModuleNamesAreUpperCasedFileNamesWithoutTheDebugMarker) {
+  EXPECT_EQ(moduleName("C:\\app\\plugins\\sxWater-dbg.dll"), "SXWATER.DLL");
+  EXPECT_EQ(moduleName("sxWater-DBG.dll"), "SXWATER.DLL");
+  EXPECT_EQ(moduleName("/usr/lib/sxcore/libsxWater.so"), "LIBSXWATER.SO");
+  EXPECT_EQ(moduleName("plain.dll"), "PLAIN.DLL");
+  EXPECT_EQ(moduleName("a-dbg-dbg.dll"), "A-DBG.DLL");  // only the first marker goes
+  EXPECT_EQ(moduleName(nullptr), "(null)");
+}
+
+TEST(sxPlugIn, KernelRecordDescribesTheLibrary) {
+  sxPlugIn* kernel = sxPlugIn::find("sxcore.dll");
+  ASSERT_NE(kernel, nullptr);
+  EXPECT_STREQ(kernel->getName(), "Kernel");
+  EXPECT_STREQ(kernel->getCompany(), "Obrant Works");
+  EXPECT_EQ(kernel->getVersion(), sxMakeVersion(1, 2, 0));
+  EXPECT_NE(kernel->getVersion(), sxGetVersion());  // the record's build is 0, the library's 6
+  EXPECT_FALSE(kernel->isSaveWithFileEnabled());
+  EXPECT_FALSE(kernel->isDynamic());  // present at start-up: does not count instances
+  EXPECT_FALSE(kernel->unload());
+  // The library module itself was found.
+  EXPECT_NE(kernel->getModule(), nullptr);
+  EXPECT_EQ(sxPlugIn::find(kernel->getModule()), kernel);
+  EXPECT_EQ(sxBase::getClassType()->getPlugIn(), kernel);
+  EXPECT_EQ(sxPlugIn::find(static_cast<const char*>(nullptr)), nullptr);
+}
+
+TEST(sxPlugIn, RecordsCannotBeCreatedOnTheHeapAndLeaveTheListWhenDestroyed) {
+  EXPECT_EQ(new sxPlugIn, nullptr);
+  int before = sxPlugIn::getNum();
+  {
+    sxPlugIn local;
+    local.setName("local");
+    local.setCompany("c");
+    local.setRelease(2, 3, 4, "today");
+    local.setName(nullptr);
+    EXPECT_EQ(local.getName(), nullptr);
+    EXPECT_STREQ(local.getDate(), "today");
+    EXPECT_EQ(sxPlugIn::getNum(), before + 1);
+    EXPECT_EQ(sxPlugIn::get(before), &local);
+    // Not dynamic: counting does nothing.
+    local.ref();
+    EXPECT_EQ(local.getRefCount(), 0);
+  }
+  EXPECT_EQ(sxPlugIn::getNum(), before);
+  EXPECT_EQ(sxPlugIn::get(before), nullptr);
+}

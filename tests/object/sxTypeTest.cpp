@@ -1,0 +1,177 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <string>
+#include <vector>
+
+#include "support/sxTestClasses.h"
+
+// Classes used by one test each, so that the order of tests does not matter.
+class sxTestLazy : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxTestLazy)
+  SX_DEFAULT_CONSTRUCTORS(sxTestLazy, sxBase)
+};
+SX_IMPLEMENT_CLASS(sxTestLazy, sxBase, sxType)
+
+class sxTestTransient : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxTestTransient)
+  SX_DEFAULT_CONSTRUCTORS(sxTestTransient, sxBase)
+};
+SX_IMPLEMENT_CLASS(sxTestTransient, sxBase, sxType)
+
+class sxTestFindable : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxTestFindable)
+  SX_DEFAULT_CONSTRUCTORS(sxTestFindable, sxBase)
+};
+SX_IMPLEMENT_CLASS(sxTestFindable, sxBase, sxType)
+
+class sxTestFindableChild : public sxTestFindable {
+ public:
+  SX_DECLARE_CLASS(sxTestFindableChild)
+  SX_DEFAULT_CONSTRUCTORS(sxTestFindableChild, sxTestFindable)
+};
+SX_IMPLEMENT_CLASS(sxTestFindableChild, sxTestFindable, sxType)
+
+TEST(sxType, LookupsIgnoreCase) {
+  sxType* group = sxType::findType("sxGroup");
+  ASSERT_NE(group, nullptr);
+  EXPECT_EQ(sxType::findType("SXGROUP"), group);
+  EXPECT_EQ(sxType::findType("sxgroup"), group);
+  EXPECT_EQ(sxType::findType(nullptr), nullptr);
+  EXPECT_EQ(sxType::findType(""), nullptr);
+  EXPECT_EQ(sxType::findType("sxNoSuchClass"), nullptr);
+  sxBase* obj = sxType::createInstance("SXTRANSFORM");
+  ASSERT_NE(obj, nullptr);
+  EXPECT_TRUE(obj->isOfExactType(sxTransform::getClassType()));
+  obj->unRef();
+  EXPECT_EQ(sxType::createInstance("sxNoSuchClass"), nullptr);
+  EXPECT_EQ(sxType::createInstance(nullptr), nullptr);
+}
+
+TEST(sxType, AbstractClassesHaveNoFactory) {
+  sxTestAbstract::initClass();
+  sxType* t = sxType::findType("sxTestAbstract");
+  ASSERT_NE(t, nullptr);
+  EXPECT_TRUE(t->isAbstract());
+  EXPECT_EQ(sxType::createInstance("sxTestAbstract"), nullptr);
+  EXPECT_EQ(sxTestAbstract::createInstance(nullptr), nullptr);
+}
+
+TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
+  static sxPlugIn plugIn;
+  plugIn.setRelease(3, 4, 5, nullptr);
+  int announced = sxType::getNumRegisteredClasses();
+  int types = sxType::getNumTypes();
+  sxTestLazy::registerClass(&plugIn);
+  ASSERT_EQ(sxTestLazy::getClassType(), nullptr);
+  EXPECT_EQ(sxType::getNumRegisteredClasses(), announced + 1);
+  EXPECT_EQ(sxTestLazy::getNum(false), 0);  // no record yet: 0, not a crash
+  EXPECT_EQ(sxTestLazy::get(0, true), nullptr);
+
+  sxType* t = sxType::findType("SXTESTLAZY");
+  ASSERT_NE(t, nullptr);
+  EXPECT_EQ(t, sxTestLazy::getClassType());
+  EXPECT_STREQ(t->getName(), "sxTestLazy");
+  EXPECT_EQ(t->getPlugIn(), &plugIn);
+  EXPECT_EQ(t->getVersion(), sxMakeVersion(3, 4, 5));
+  EXPECT_EQ(t->getParent(), sxBase::getClassType());
+  EXPECT_EQ(sxType::getNumRegisteredClasses(), announced);
+  EXPECT_EQ(sxType::getNumTypes(), types + 1);
+  EXPECT_EQ(sxType::getType(t->getIndex()), t);
+  EXPECT_EQ(plugIn.getType(0), t);
+  // Announcing a created class does nothing.
+  sxTestLazy::registerClass(&plugIn);
+  EXPECT_EQ(sxType::getNumRegisteredClasses(), announced);
+}
+
+TEST(sxType, InitialisingAllAnnouncedClassesTerminates) {
+  // An initialisation function that makes no record must not hang the loop.
+  sxType::registerClass(
+      "sxTestNeverCreated", [](sxPlugIn*) {}, nullptr);
+  sxType::initAllRegisteredClasses();
+  EXPECT_EQ(sxType::getNumRegisteredClasses(), 0);
+  EXPECT_EQ(sxType::findType("sxTestNeverCreated"), nullptr);
+  EXPECT_NE(sxType::findType("sxScene"), nullptr);
+}
+
+TEST(sxType, DerivedObjectsAreListedUnderTheirOwnClassOnly) {
+  int base = sxBase::getNum(false);
+  int nodes = sxTestNode::getNum(false);
+  int leaves = sxTestLeaf::getNum(false);
+  auto* leaf = new sxTestLeaf;
+  EXPECT_EQ(sxBase::getNum(false), base + 1);
+  EXPECT_EQ(sxTestNode::getNum(false), nodes);
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 1);
+  EXPECT_EQ(sxTestNode::getNum(true), nodes + leaves + 1);
+  auto* copy = static_cast<sxTestLeaf*>(sxTestLeaf::createInstance(leaf));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 2);
+  // A source of another class is refused.
+  sxTestNode other;
+  EXPECT_EQ(sxTestLeaf::createInstance(&other), nullptr);
+  copy->unRef();
+  leaf->unRef();
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves);
+  EXPECT_EQ(sxBase::getNum(false), base + 1);  // `other` is still alive
+}
+
+TEST(sxType, FindWalksInstancesInGetOrder) {
+  auto* upper = new sxTestFindable;
+  auto* lower = new sxTestFindable;
+  auto* child = new sxTestFindableChild;
+  auto* other = new sxTestFindable;
+  upper->setName("A");
+  lower->setName("a");
+  child->setName("a");
+  other->setName("b");
+  EXPECT_EQ(sxTestFindable::find("a"), upper);
+  EXPECT_EQ(sxTestFindable::find("a", upper), lower);
+  EXPECT_EQ(sxTestFindable::find("a", lower), nullptr);
+  EXPECT_EQ(sxTestFindable::find("a", lower, true), child);  // derived instances follow
+  EXPECT_EQ(sxTestFindable::find("a", other), nullptr);      // start must be a match
+  EXPECT_EQ(sxTestFindable::find(nullptr), nullptr);
+  EXPECT_EQ(sxTestFindable::find("c"), nullptr);
+
+  // get numbers own instances first, then those of the child classes.
+  ASSERT_EQ(sxTestFindable::getNum(true), 4);
+  EXPECT_EQ(sxTestFindable::get(3, true), child);
+  EXPECT_EQ(sxTestFindable::get(4, true), nullptr);
+  EXPECT_EQ(sxTestFindable::get(-1, true), nullptr);
+  EXPECT_EQ(sxTestFindable::get(9, false), nullptr);
+
+  // Removal from the middle moves the last instance into the gap.
+  ASSERT_EQ(sxTestFindable::get(1), lower);
+  lower->unRef();
+  EXPECT_EQ(sxTestFindable::get(1), other);
+  EXPECT_EQ(sxTestFindable::getNum(false), 2);
+  upper->unRef();
+  other->unRef();
+  child->unRef();
+  EXPECT_EQ(sxTestFindable::getNum(true), 0);
+}
+
+TEST(sxType, DeletePendingRecordGoesWithItsLastInstance) {
+  auto* a = new sxTestTransient;
+  auto* b = new sxTestTransient;
+  sxType* t = sxTestTransient::getClassType();
+  ASSERT_NE(t, nullptr);
+  int types = sxType::getNumTypes();
+  EXPECT_FALSE(t->deleteType());
+  EXPECT_TRUE(t->isDeletePending());
+  a->unRef();
+  EXPECT_EQ(sxTestTransient::getClassType(), t);
+  b->unRef();
+  EXPECT_EQ(sxTestTransient::getClassType(), nullptr);  // removeFunc ran
+  EXPECT_EQ(sxType::getNumTypes(), types - 1);
+  EXPECT_EQ(sxType::findType("sxTestTransient"), nullptr);
+  // The class can be created again.
+  auto* c = new sxTestTransient;
+  ASSERT_NE(sxTestTransient::getClassType(), nullptr);
+  EXPECT_EQ(sxTestTransient::getNum(false), 1);
+  c->unRef();
+  EXPECT_TRUE(sxTestTransient::getClassType()->deleteType());
+  EXPECT_EQ(sxTestTransient::getClassType(), nullptr);
+}
