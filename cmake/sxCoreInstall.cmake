@@ -22,5 +22,6 @@ write_basic_package_version_file(${PROJECT_BINARY_DIR}/sxCoreConfigVersion.cmake
 install(FILES ${PROJECT_BINARY_DIR}/sxCoreConfig.cmake ${PROJECT_BINARY_DIR}/sxCoreConfigVersion.cmake
   DESTINATION ${SXCORE_CMAKE_DIR})
 
+file(RELATIVE_PATH SXCORE_PC_TO_PREFIX "/${CMAKE_INSTALL_LIBDIR}/pkgconfig" "/")
 configure_file(${PROJECT_SOURCE_DIR}/cmake/sxcore.pc.in ${PROJECT_BINARY_DIR}/sxcore.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/sxcore.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

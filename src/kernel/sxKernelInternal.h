@@ -5,6 +5,19 @@
 // Library-private state of the kernel services.
 namespace sxiKernel {
 
+// Names compare ignoring ASCII case, the same in every locale.
+inline unsigned char foldCase(unsigned char c) {
+  return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c;
+}
+
+// Negative, 0 or positive, like strcmp on the case-folded texts.
+inline int compareIgnoreCase(const char* a, const char* b) {
+  const unsigned char* x = reinterpret_cast<const unsigned char*>(a);
+  const unsigned char* y = reinterpret_cast<const unsigned char*>(b);
+  while (*x && foldCase(*x) == foldCase(*y)) ++x, ++y;
+  return int(foldCase(*x)) - int(foldCase(*y));
+}
+
 // Set by sxInit: plug-in records constructed afterwards count instances.
 bool initFlag();
 // Platform id of the thread that loaded the library.

@@ -1,14 +1,14 @@
 #include <sx/kernel/sxKernel.h>
 
-#include <strings.h>
-
 #include <cstdint>
 #include <cstring>
+
+#include "kernel/sxKernelInternal.h"
 
 int sxStrcmp(const char* a, const char* b, bool ignoreCase) {
   if (!a && !b) return 0;
   if (!a || !b) return -1;
-  if (ignoreCase) return strcasecmp(a, b);
+  if (ignoreCase) return sxiKernel::compareIgnoreCase(a, b);
   int r = std::strcmp(a, b);  // compares as unsigned characters
   return r < 0 ? -1 : (r > 0 ? 1 : 0);
 }

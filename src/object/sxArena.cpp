@@ -81,7 +81,7 @@ void sxArena::initHints() {
   for (Block*& h : hints) h = blocks;
 }
 
-void* sxArena::malloc(unsigned n) {
+void* sxArena::mallocSlow(unsigned n) {
   if (n > 0xFFFFFFF0u - headerSize) return nullptr;  // would wrap the 32-bit offsets
   n = roundUp8(n);
   // Walk from the hint for this size: every block before it is known to be

@@ -207,7 +207,9 @@ bool sxBase::operator==(const sxBase& other) const {
   return std::strcmp(name, other.name) == 0;
 }
 
-int sxBase::getNumPendingDeletions() { return sxiDeletion::pending(); }
+int sxBase::getNumPendingDeletions() {
+  return sxiDeletion::pending();
+}
 
 void sxBase::markDeleted(sxBase*) {
   sxiDeletion::addPending(-1);

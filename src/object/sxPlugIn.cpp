@@ -3,8 +3,6 @@
 #include <sx/object/sxPlugIn.h>
 #include <sx/object/sxType.h>
 
-#include <strings.h>
-
 #include <cctype>
 #include <cstring>
 
@@ -128,7 +126,7 @@ sxPlugIn* sxPlugIn::find(const char* wanted) {
   if (!wanted) return nullptr;
   sxiKernel::LockGuard lock(sxiKernel::plugInLock);
   for (sxPlugIn* p : *plugIns)
-    if (p->moduleName && strcasecmp(p->moduleName, wanted) == 0) return p;
+    if (p->moduleName && sxiKernel::compareIgnoreCase(p->moduleName, wanted) == 0) return p;
   return nullptr;
 }
 

@@ -5,17 +5,18 @@
 #include <sx/persist/sxLoader.h>
 #include <sx/threads/sxLock.h>
 
-#include <strings.h>
-
-#include <cctype>
 #include <cstring>
 
+#include "kernel/sxKernelInternal.h"
 #include "kernel/sxKernelLocks.h"
 #include "object/sxModuleStatic.h"
 
 namespace {
 
 constinit sxiModuleStatic<sxTList<sxType*>> typeList;
+// The name hashes of typeList, in the same order, so that a lookup scans
+// one contiguous array instead of visiting every record.
+constinit sxiModuleStatic<sxTList<std::uint32_t>> typeHashes;
 // Announced classes, three parallel lists.
 constinit sxiModuleStatic<sxTList<char*>> registeredTypes;
 constinit sxiModuleStatic<sxTList<sxType::InitFunc>> initClassFuncs;
@@ -26,7 +27,7 @@ constinit sxiModuleStatic<sxTList<sxPlugIn*>> classPlugIns;
 std::uint32_t foldedHash(const char* s) {
   std::uint32_t w = 0;
   for (int i = 0; s[i]; ++i) {
-    std::uint32_t c = std::uint8_t(std::tolower(std::uint8_t(s[i])));
+    std::uint32_t c = sxiKernel::foldCase(std::uint8_t(s[i]));
     w ^= c << (8 * (i & 3));
     ++w;
   }
@@ -42,7 +43,7 @@ char* copyString(const char* s) {
 
 int findRegistered(const char* name) {
   for (int i = registeredTypes->getNum() - 1; i >= 0; --i)
-    if (strcasecmp((*registeredTypes)[i], name) == 0) return i;
+    if (sxiKernel::compareIgnoreCase((*registeredTypes)[i], name) == 0) return i;
   return -1;
 }
 
@@ -55,15 +56,17 @@ void removeRegisteredAt(int i) {
 sxType* findCreated(const char* name, std::uint32_t hash, bool fromFirst) {
   int n = typeList->getNum();
   for (int k = 0; k < n; ++k) {
-    sxType* t = (*typeList)[fromFirst ? k : n - 1 - k];
-    if (t->getNameHash() == hash && strcasecmp(t->getName(), name) == 0) return t;
+    int i = fromFirst ? k : n - 1 - k;
+    if ((*typeHashes)[i] != hash) continue;
+    sxType* t = (*typeList)[i];
+    if (sxiKernel::compareIgnoreCase(t->getName(), name) == 0) return t;
   }
   return nullptr;
 }
 
 bool namesMatch(const sxBase* obj, const char* name) {
   const char* n = obj->getName();
-  return n && strcasecmp(n, name) == 0;
+  return n && sxiKernel::compareIgnoreCase(n, name) == 0;
 }
 
 }  // namespace
@@ -99,6 +102,7 @@ sxType::sxType(sxType* parentType, const char* typeName, CreateFunc create, Remo
   }
   nameHash = foldedHash(name ? name : "");
   index = typeList->add(this);
+  typeHashes->add(nameHash);
 }
 
 sxType::~sxType() {
@@ -107,7 +111,11 @@ sxType::~sxType() {
   if (parent) parent->children.checkRemoveOrdered(this);
   for (sxType* child : children) child->parent = nullptr;
   if (plugIn) plugIn->removeType(this);
-  typeList->checkRemove(this);
+  int at = typeList->getIndex(this);
+  if (at >= 0) {
+    typeList->removeIndex(at);
+    typeHashes->removeIndex(at);
+  }
   // Objects still listed (only at module unload) forget this record.
   for (sxBase* obj : instances)
     if (obj->listedType == this) obj->listedType = nullptr;
@@ -398,6 +406,7 @@ sxBase* sxType::importAs(sxType* type, const char* fileName) {
 
 void sxType::initRegistry() {
   typeList->setSize(64);
+  typeHashes->setSize(64);
   registeredTypes->setSize(64);
   initClassFuncs->setSize(64);
   classPlugIns->setSize(64);
@@ -408,4 +417,5 @@ void sxType::cleanUpRegistry() {
   // Records still alive at module unload are destroyed newest first.
   while (typeList->getNum() > 0) delete (*typeList)[typeList->getNum() - 1];
   typeList->setSize(0);
+  typeHashes->setSize(0);
 }

@@ -30,7 +30,20 @@ class SX_API sxArena : public sxMemory {
   ~sxArena() override;
 
   // n rounded up to a multiple of 8; null only when the heap is exhausted.
-  void* malloc(unsigned n);
+  // The common case (a small request that fits the block its size class
+  // last used) is an inline pointer bump.
+  void* malloc(unsigned n) {
+    unsigned r = (n + 7u) & ~7u;
+    if (r - 8u < 8u * numHints) {
+      Block* b = hints[r / 8u - 1u];
+      if (b && std::int64_t(b->end) - std::int64_t(b->nextFree) > std::int64_t(r)) {
+        void* p = reinterpret_cast<char*>(b) + b->nextFree;
+        b->nextFree += r;
+        return p;
+      }
+    }
+    return mallocSlow(n);
+  }
   void reset();
   bool inRange(const void* p) const;
   // Position in the arena list (searched from the end), -1 when absent.
@@ -49,6 +62,7 @@ class SX_API sxArena : public sxMemory {
 
  private:
   static constexpr int numHints = 17;  // requests of 8..136 bytes, one hint each
+  void* mallocSlow(unsigned n);
   Block* newBlock(unsigned bytes);
   void initHints();
   void freeBlocks();
