@@ -13,14 +13,10 @@ void sxIterator::setMode(MODE m) {
 
 void sxIterator::setNumItems(int n) {
   numItems = n;
-  if (n < 1) return;
-  if (mode == TIME) {
-    itemTimes.grow(n);
-    itemTimes.fill(n, totalTime > 0.0f ? totalTime / float(n) : itemTime);
-  } else {
-    itemFrameCounts.grow(n);
-    itemFrameCounts.fill(n, totalFrames >= 1 ? totalFrames / n : itemFrames);
-  }
+  if (mode == TIME)
+    times.refill(n);
+  else
+    frames.refill(n);
 }
 
 void sxIterator::reset() {
@@ -29,43 +25,28 @@ void sxIterator::reset() {
 }
 
 void sxIterator::setTime(float t) {
-  totalTime = t;
-  itemTime = 0.0f;
-  if (numItems > 0) itemTimes.fill(numItems, t / float(numItems));
+  times.setTotal(t, numItems);
 }
-
 void sxIterator::setItemTime(float t) {
-  itemTime = t;
-  totalTime = 0.0f;
-  itemTimes.fill(numItems, t);
+  times.setItem(t, numItems);
 }
-
 void sxIterator::setItemTime(int item, float t) {
-  if (item >= 0 && itemTimes.grow(item + 1)) itemTimes.set(item, t);
+  times.setOne(item, t);
 }
-
 float sxIterator::getItemTime(int item) const {
-  return itemTimes.get(item);
+  return times.perItem.get(item);
 }
-
 void sxIterator::setFrameCount(int c) {
-  totalFrames = c;
-  itemFrames = 0;
-  if (numItems > 0) itemFrameCounts.fill(numItems, c / numItems);
+  frames.setTotal(c, numItems);
 }
-
 void sxIterator::setItemFrameCount(int c) {
-  itemFrames = c;
-  totalFrames = 0;
-  itemFrameCounts.fill(numItems, c);
+  frames.setItem(c, numItems);
 }
-
 void sxIterator::setItemFrameCount(int item, int c) {
-  if (item >= 0 && itemFrameCounts.grow(item + 1)) itemFrameCounts.set(item, c);
+  frames.setOne(item, c);
 }
-
 int sxIterator::getItemFrameCount(int item) const {
-  return itemFrameCounts.get(item);
+  return frames.perItem.get(item);
 }
 
 bool sxIterator::advance() {

@@ -54,27 +54,12 @@ void* sxBase::operator new(std::size_t size, sxArena* arena) noexcept {
   return arena ? arena->malloc(unsigned(size)) : nullptr;
 }
 
-sxBase::sxBase(bool unlisted)
-    : flags(0),
-      refCount(0),
-      name(nullptr),
-      attributes(nullptr),
-      listedType(nullptr),
-      ownSlot(unlistedSlot),
-      baseSlot(unlistedSlot) {
+sxBase::sxBase(bool unlisted) {
   if (unlisted) return;
   if (sxType* t = sxClassImpl<sxBase, void, sxType>::type()) t->addInstance(this);
 }
 
-sxBase::sxBase(const sxBase& source)
-    : sxMemory(),
-      flags(source.flags),
-      refCount(0),
-      name(nullptr),
-      attributes(nullptr),
-      listedType(nullptr),
-      ownSlot(unlistedSlot),
-      baseSlot(unlistedSlot) {
+sxBase::sxBase(const sxBase& source) : sxMemory(), flags(source.flags) {
   if (copyState.pendingUnlisted) {
     // The sxBase part of an arena copy: unlisted, its name in the arena.
     copyState.pendingUnlisted = false;
@@ -89,11 +74,7 @@ sxBase::sxBase(const sxBase& source)
 sxBase::sxBase(const sxBase& source, sxArena* arena)
     : sxMemory(),
       flags(source.flags),
-      refCount(0),
       name(copyInto(source.name, arena)),
-      attributes(nullptr),
-      listedType(nullptr),
-      ownSlot(unlistedSlot),
       baseSlot(disposableSlot) {}
 
 sxBase& sxBase::operator=(const sxBase& source) {

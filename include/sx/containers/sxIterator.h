@@ -42,13 +42,13 @@ class SX_API sxIterator {
 
   // The whole sequence's time, shared equally by the items.
   void setTime(float seconds);
-  float getTime() const { return totalTime; }
+  float getTime() const { return times.total; }
   // The time of every item.
   void setItemTime(float seconds);
   void setItemTime(int item, float seconds);
   float getItemTime(int item) const;  // 0 beyond the per-item array
   void setFrameCount(int frames);
-  int getFrameCount() const { return totalFrames; }
+  int getFrameCount() const { return frames.total; }
   void setItemFrameCount(int frames);
   void setItemFrameCount(int item, int frames);
   int getItemFrameCount(int item) const;  // 0 beyond the per-item array
@@ -95,6 +95,34 @@ class SX_API sxIterator {
     std::int32_t length = 0;
   };
 
+  // How long the items last, in one unit (seconds or frames): a total
+  // shared by the items, a default per item, and the per-item values.
+  template <class T>
+  struct Durations {
+    T total;
+    T item;
+    Array<T> perItem;
+    // Refills the first n per-item values from the total or the default.
+    void refill(int n) {
+      if (n < 1) return;
+      perItem.grow(n);
+      perItem.fill(n, total > T(0) ? total / T(n) : item);
+    }
+    void setTotal(T t, int n) {
+      total = t;
+      item = T(0);
+      if (n > 0) perItem.fill(n, t / T(n));
+    }
+    void setItem(T t, int n) {
+      item = t;
+      total = T(0);
+      perItem.fill(n, t);
+    }
+    void setOne(int i, T t) {
+      if (i >= 0 && perItem.grow(i + 1)) perItem.set(i, t);
+    }
+  };
+
   bool advance();  // false when the sequence ends
 
   std::uint8_t paused = 0;
@@ -104,13 +132,9 @@ class SX_API sxIterator {
   std::int32_t numItems = 0;
   std::int32_t current = -1;
   std::int32_t step = 1;
-  float totalTime = 0.0f;
-  float itemTime = 1.0f / 30.0f;
-  Array<float> itemTimes;
+  Durations<float> times{0.0f, 1.0f / 30.0f, {}};
   float elapsed = 0.0f;
   float lastTime = 0.0f;
-  std::int32_t totalFrames = 0;
-  std::int32_t itemFrames = 1;
-  Array<std::int32_t> itemFrameCounts;
+  Durations<std::int32_t> frames{0, 1, {}};
   std::int32_t frameCounter = 0;
 };

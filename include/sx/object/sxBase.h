@@ -104,7 +104,7 @@ class SX_API sxBase : public sxMemory {
 
   static constexpr unsigned short dynamicFlag = 0x0001;
 
-  unsigned short flags;
+  unsigned short flags = 0;
 
  private:
   friend class sxType;
@@ -117,13 +117,13 @@ class SX_API sxBase : public sxMemory {
 
   // The count is 32-bit (the padding after the flags leaves room for it at
   // no cost), so heavily shared objects cannot wrap it.
-  std::atomic<std::int32_t> refCount;
-  char* name;
-  sxTList<sxBase*>* attributes;
+  std::atomic<std::int32_t> refCount{0};
+  char* name = nullptr;
+  sxTList<sxBase*>* attributes = nullptr;
   // Bookkeeping of the instance lists, so that listing and unlisting cost
   // O(1): the class list the object is in and its positions there and in
   // the sxBase list.
-  sxType* listedType;
-  std::int32_t ownSlot;
-  std::int32_t baseSlot;
+  sxType* listedType = nullptr;
+  std::int32_t ownSlot = unlistedSlot;
+  std::int32_t baseSlot = unlistedSlot;
 };
