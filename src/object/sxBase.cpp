@@ -90,7 +90,7 @@ sxBase::~sxBase() {
     sxTypeRegistryLock lock;
     deleteInstance();
     if (baseSlot >= 0)
-      if (sxType* t = classType) t->removeInstance(this);
+      if (sxType* t = getClassType()) t->removeInstance(this);
   }
   if (attributes) {
     for (int i = attributes->getNum() - 1; i >= 0; --i) (*attributes)[i]->unRef();

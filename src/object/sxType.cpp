@@ -163,9 +163,9 @@ sxType* sxType::getChild(int i) const {
 
 void sxType::addInstance(sxBase* obj) {
   if (!obj) return;
+  if (obj->isDisposable()) return;  // arena copies are never listed
   sxTypeRegistryLock lock;
   if (plugIn) plugIn->ref();
-  if (obj->isDisposable()) return;
   if (this == sxBase::getClassType()) {
     if (obj->baseSlot >= 0) return;
     obj->baseSlot = std::int32_t(instances.size());

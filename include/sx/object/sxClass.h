@@ -16,6 +16,7 @@
 // createDisposableCopy, get, getNum, find, import, initInstance and the arena
 // copy constructor. Allocation operators come from sxBase (sxMemory).
 
+#include <atomic>
 #include <type_traits>
 
 #include <sx/object/sxArena.h>
@@ -32,7 +33,7 @@ class sxBase;
   static void initClass(sxPlugIn* plugIn = nullptr);                                           \
   static void removeClass();                                                                   \
   static sxType* getClassType() {                                                              \
-    return classType;                                                                          \
+    return classType.load(std::memory_order_acquire);                                          \
   }                                                                                            \
   static const char* getClassName() {                                                          \
     return #Class;                                                                             \
@@ -47,7 +48,8 @@ class sxBase;
   static Class* import(const char* fileName);                                                  \
                                                                                                \
  private:                                                                                      \
-  static sxType* classType;                                                                    \
+  /* Read by any thread, written under the type registry lock. */                              \
+  static std::atomic<sxType*> classType;                                                       \
   void initInstance();                                                                         \
   template <class, class, class>                                                               \
   friend struct sxClassImpl;                                                                   \
@@ -77,14 +79,15 @@ struct sxClassImpl {
 
   static void initClass(sxPlugIn* plugIn) {
     sxTypeRegistryLock lock;
-    if (C::classType) return;
+    if (C::getClassType()) return;
     sxType* parent = nullptr;
     if constexpr (!std::is_void_v<P>) {
       if (!P::getClassType()) sxType::initClass(P::getClassName(), &P::initClass);
       parent = P::getClassType();
     }
-    if (C::classType) return;
-    C::classType = new R(parent, C::getClassName(), factory(), &C::removeClass, plugIn);
+    if (C::getClassType()) return;
+    C::classType.store(new R(parent, C::getClassName(), factory(), &C::removeClass, plugIn),
+                       std::memory_order_release);
   }
 
   static sxType::CreateFunc factory() {
@@ -95,8 +98,10 @@ struct sxClassImpl {
   }
 
   static sxType* type() {
-    if (!C::classType) sxType::initClass(C::getClassName(), &C::initClass);
-    return C::classType;
+    sxType* t = C::getClassType();
+    if (t) return t;
+    sxType::initClass(C::getClassName(), &C::initClass);
+    return C::getClassType();
   }
 
   static sxBase* create(const sxBase* source) {
@@ -128,15 +133,15 @@ struct sxClassImpl {
   }
 
   static C* get(int i, bool recursive) {
-    sxType* t = C::classType;
+    sxType* t = C::getClassType();
     return t ? static_cast<C*>(t->get(i, recursive)) : nullptr;
   }
   static int getNum(bool recursive) {
-    sxType* t = C::classType;
+    sxType* t = C::getClassType();
     return t ? t->getNum(recursive) : 0;
   }
   static C* find(const char* name, const sxBase* start, bool recursive) {
-    sxType* t = C::classType;
+    sxType* t = C::getClassType();
     return t ? static_cast<C*>(t->find(name, start, recursive)) : nullptr;
   }
   static C* import(const char* fileName) {
@@ -144,31 +149,31 @@ struct sxClassImpl {
   }
 };
 
-#define SX_IMPLEMENT_CLASS_STATICS(Class, Parent, Record)                     \
-  sxType* Class::classType = nullptr;                                         \
-  void Class::registerClass(sxPlugIn* plugIn) {                               \
-    if (!classType) sxType::registerClass(#Class, &Class::initClass, plugIn); \
-  }                                                                           \
-  void Class::initClass(sxPlugIn* plugIn) {                                   \
-    sxClassImpl<Class, Parent, Record>::initClass(plugIn);                    \
-  }                                                                           \
-  void Class::removeClass() {                                                 \
-    classType = nullptr;                                                      \
-  }                                                                           \
-  sxBase* Class::createInstance(const sxBase* source) {                       \
-    return sxClassImpl<Class, Parent, Record>::create(source);                \
-  }                                                                           \
-  Class* Class::get(int i, bool recursive) {                                  \
-    return sxClassImpl<Class, Parent, Record>::get(i, recursive);             \
-  }                                                                           \
-  int Class::getNum(bool recursive) {                                         \
-    return sxClassImpl<Class, Parent, Record>::getNum(recursive);             \
-  }                                                                           \
-  Class* Class::find(const char* name, const sxBase* start, bool recursive) { \
-    return sxClassImpl<Class, Parent, Record>::find(name, start, recursive);  \
-  }                                                                           \
-  Class* Class::import(const char* fileName) {                                \
-    return sxClassImpl<Class, Parent, Record>::import(fileName);              \
+#define SX_IMPLEMENT_CLASS_STATICS(Class, Parent, Record)                          \
+  std::atomic<sxType*> Class::classType{nullptr};                                  \
+  void Class::registerClass(sxPlugIn* plugIn) {                                    \
+    if (!getClassType()) sxType::registerClass(#Class, &Class::initClass, plugIn); \
+  }                                                                                \
+  void Class::initClass(sxPlugIn* plugIn) {                                        \
+    sxClassImpl<Class, Parent, Record>::initClass(plugIn);                         \
+  }                                                                                \
+  void Class::removeClass() {                                                      \
+    classType.store(nullptr, std::memory_order_release);                           \
+  }                                                                                \
+  sxBase* Class::createInstance(const sxBase* source) {                            \
+    return sxClassImpl<Class, Parent, Record>::create(source);                     \
+  }                                                                                \
+  Class* Class::get(int i, bool recursive) {                                       \
+    return sxClassImpl<Class, Parent, Record>::get(i, recursive);                  \
+  }                                                                                \
+  int Class::getNum(bool recursive) {                                              \
+    return sxClassImpl<Class, Parent, Record>::getNum(recursive);                  \
+  }                                                                                \
+  Class* Class::find(const char* name, const sxBase* start, bool recursive) {      \
+    return sxClassImpl<Class, Parent, Record>::find(name, start, recursive);       \
+  }                                                                                \
+  Class* Class::import(const char* fileName) {                                     \
+    return sxClassImpl<Class, Parent, Record>::import(fileName);                   \
   }
 
 #define SX_IMPLEMENT_CLASS_COMMON(Class, Parent, Record)                     \
