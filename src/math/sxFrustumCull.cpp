@@ -1,0 +1,76 @@
+// What a frustum contains and meets.
+#include <sx/math/sxFrustum.h>
+
+#include <sx/math/sxBox.h>
+#include <sx/math/sxRay.h>
+
+#include "math/sxVolumeTests.h"
+
+// The view test of the traversal, for spheres and boxes alike.
+template <class V>
+sxVolume::CONTAINMENT sxFrustum::cull(const V& v) const {
+  if (empty || sxiSide(bound, v) == OUTSIDE) return OUTSIDE;
+  unsigned int crossed = 0;
+  for (int i = 0; i < 6; ++i) {
+    const CONTAINMENT c = sxiSide(faces[i], v);
+    if (c == OUTSIDE) return OUTSIDE;
+    if (c == PARTIAL) crossed |= edgeMasks[i];
+  }
+  if (!crossed) return INSIDE;
+  for (int e = 0; e < numEdges; ++e) {
+    if ((crossed >> e & 1u) && sxiSide(edges[e], v) == OUTSIDE) return OUTSIDE;
+  }
+  return PARTIAL;
+}
+
+sxVolume::CONTAINMENT sxFrustum::contains(const sxSphere& sphere) const {
+  return cull(sphere);
+}
+
+sxVolume::CONTAINMENT sxFrustum::contains(const sxBox& box) const {
+  return box.isEmpty() ? OUTSIDE : cull(box);
+}
+
+sxVolume::CONTAINMENT sxFrustum::contains(const sxVec3& point) const {
+  if (empty || bound.contains(point) == OUTSIDE) return OUTSIDE;
+  for (const sxPlane& face : faces) {
+    if (face.contains(point) == OUTSIDE) return OUTSIDE;
+  }
+  return INSIDE;
+}
+
+sxVolume::CONTAINMENT sxFrustum::contains(const sxRay& ray) const {
+  if (empty) return OUTSIDE;
+  sxiLineRange range;
+  for (const sxPlane& face : faces) sxiClip(face.normal, face.offset, ray, range.tIn, range.tOut);
+  return rayContainment(ray, range.tIn, range.tOut);
+}
+
+sxVolume::CONTAINMENT sxFrustum::contains(const sxFrustum& frustum) const {
+  if (!isectFrustFrust(*this, frustum)) return OUTSIDE;
+  for (const sxVec3& corner : frustum.corners) {
+    if (contains(corner) == OUTSIDE) return PARTIAL;
+  }
+  return INSIDE;
+}
+
+// A bounded frustum never holds a whole half space.
+sxVolume::CONTAINMENT sxFrustum::contains(const sxPlane& plane) const {
+  return isectPlaneFrust(plane, *this) ? PARTIAL : OUTSIDE;
+}
+
+bool sxFrustum::intersects(const sxFrustum& frustum) const {
+  return isectFrustFrust(*this, frustum);
+}
+bool sxFrustum::intersects(const sxSphere& sphere) const {
+  return isectSphereFrust(sphere, *this);
+}
+bool sxFrustum::intersects(const sxBox& box) const {
+  return isectBoxFrust(box, *this);
+}
+bool sxFrustum::intersects(const sxPlane& plane) const {
+  return isectPlaneFrust(plane, *this);
+}
+bool sxFrustum::intersects(const sxRay& ray) const {
+  return isectRayFrust(ray, *this);
+}
