@@ -4,20 +4,21 @@
 #include <utility>
 
 #include "math/sxMathMessage.h"
+#include "math/sxMatrixRows.h"
 
 namespace {
 
+using sxiRows::Row;
+
 constexpr float tolerance = 1e-6f;
 
-// r's upper 3x3 becomes the transpose of m's, its translation -t * R^T
-// (zero when withTranslation is false).
-void transposeLinear(sxMatrix& r, const sxMatrix& m, bool withTranslation) {
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) r[i][j] = m[j][i];
-  }
-  for (int j = 0; j < 3; ++j) {
-    r[3][j] = withTranslation ? -(m[3][0] * m[j][0] + m[3][1] * m[j][1] + m[3][2] * m[j][2]) : 0.0f;
-  }
+// Rows r0..r2 as the 3x3 of an inverse L^-1, with the translation -t L^-1
+// below them (t from m, zero without withTranslation).
+void storeAffine(sxMatrix& r, const Row (&rows)[3], const sxMatrix& m, bool withTranslation) {
+  Row t = sxiRows::unit(3);
+  if (withTranslation) t -= m[3][0] * rows[0] + m[3][1] * rows[1] + m[3][2] * rows[2];
+  for (int i = 0; i < 3; ++i) sxiRows::store(r[i], rows[i]);
+  sxiRows::store(r[3], t);
 }
 
 }  // namespace
@@ -29,10 +30,13 @@ bool sxMatrix::invert(const sxMatrix& m) {
       return true;
     case ROTATION:
     case ROTATION | TRANSLATION: {
-      sxMatrix r;
-      transposeLinear(r, m, m.type & TRANSLATION);
-      *this = r;
-      type = m.type;
+      // The transpose, read whole before anything is written.
+      const Row rows[3] = {{m[0][0], m[1][0], m[2][0], 0.0f},
+                           {m[0][1], m[1][1], m[2][1], 0.0f},
+                           {m[0][2], m[1][2], m[2][2], 0.0f}};
+      const unsigned int t = m.type;
+      storeAffine(*this, rows, m, t & TRANSLATION);
+      type = t;
       return true;
     }
     case TRANSLATION: {
@@ -61,13 +65,10 @@ bool sxMatrix::invert(const sxMatrix& m) {
 // scale is not checked: it gives infinities, as it always did.
 void sxMatrix::invertScaleXlate(const sxMatrix& m) {
   const unsigned int t = m.type;
-  const float s[3] = {1.0f / m[0][0], 1.0f / m[1][1], 1.0f / m[2][2]};
-  const float x[3] = {m[3][0], m[3][1], m[3][2]};
-  makeIdent();
-  for (int i = 0; i < 3; ++i) {
-    mat[i][i] = s[i];
-    if (t & TRANSLATION) mat[3][i] = -x[i] * s[i];
-  }
+  const Row rows[3] = {{1.0f / m[0][0], 0.0f, 0.0f, 0.0f},
+                       {0.0f, 1.0f / m[1][1], 0.0f, 0.0f},
+                       {0.0f, 0.0f, 1.0f / m[2][2], 0.0f}};
+  storeAffine(*this, rows, m, t & TRANSLATION);
   type = t;
 }
 
@@ -85,15 +86,11 @@ bool sxMatrix::invertAffine(const sxMatrix& m) {
   const float det = m[0][0] * c[0][0] + m[0][1] * c[1][0] + m[0][2] * c[2][0];
   if (std::fabs(det) < tolerance) return false;
   const float inv = 1.0f / det;
-  sxMatrix r;
-  for (int i = 0; i < 3; ++i) {
-    for (int j = 0; j < 3; ++j) r.mat[i][j] = c[i][j] * inv;
-  }
-  for (int j = 0; j < 3; ++j) {
-    r.mat[3][j] = -(m[3][0] * r.mat[0][j] + m[3][1] * r.mat[1][j] + m[3][2] * r.mat[2][j]);
-  }
-  r.type = m.type;
-  *this = r;
+  Row rows[3];
+  for (int i = 0; i < 3; ++i) rows[i] = Row{c[i][0], c[i][1], c[i][2], 0.0f} * inv;
+  const unsigned int t = m.type;
+  storeAffine(*this, rows, m, true);
+  type = t;
   return true;
 }
 

@@ -1,5 +1,7 @@
 #include <sx/math/sxMatrix.h>
 
+#include "math/sxMatrixRows.h"
+
 namespace {
 
 // What a type group holds in its upper 3x3.
@@ -49,65 +51,54 @@ inline int group(unsigned int type) {
 
 }  // namespace
 
-// The block products. A result row is computed whole before it is stored,
-// and all rows before any is stored, so the result may alias an operand.
-// Rows are handled four floats wide so that the compiler can use vector
-// instructions; the fourth column is then set exactly.
+// The block products, four floats wide. All rows are computed before any is
+// stored, so the result may alias an operand.
 struct sxiMatrixBlocks {
-  // out = s * (row i of the 3x3 of m, as the kind L stores it)
+  using Row = sxiRows::Row;
+  static Row load(const float* p) { return sxiRows::load(p); }
+  static void store(float* p, Row r) { sxiRows::store(p, r); }
+  static Row unit(int i) { return sxiRows::unit(i); }
+
+  // Row k of the 3x3 of m, as the kind L stores it.
   template <Lin L>
-  static void scaledRow(const sxMatrix& m, int i, float s, float out[4]) {
-    if constexpr (L == Lin::Full) {
-      for (int j = 0; j < 4; ++j) out[j] = s * m.mat[i][j];
-    } else {
-      for (int j = 0; j < 4; ++j) out[j] = 0.0f;
-      out[i] = L == Lin::Diag ? s * m.mat[i][i] : s;
-    }
+  static Row linearRow(const sxMatrix& m, int k) {
+    if constexpr (L == Lin::Full) return load(m.mat[k]);
+    if constexpr (L == Lin::Diag) return unit(k) * m.mat[k][k];
+    return unit(k);
   }
 
-  // out = v * (3x3 of m)
+  // (x, y, z, 0) times the 3x3 of m.
   template <Lin L>
-  static void rowTimes(const float* v, const sxMatrix& m, float out[4]) {
+  static Row times(const float* v, const sxMatrix& m) {
     if constexpr (L == Lin::Full) {
-      for (int j = 0; j < 4; ++j) {
-        out[j] = v[0] * m.mat[0][j] + v[1] * m.mat[1][j] + v[2] * m.mat[2][j];
-      }
-    } else if constexpr (L == Lin::Diag) {
-      for (int j = 0; j < 3; ++j) out[j] = v[j] * m.mat[j][j];
-      out[3] = 0.0f;
-    } else {
-      for (int j = 0; j < 3; ++j) out[j] = v[j];
-      out[3] = 0.0f;
+      return v[0] * load(m.mat[0]) + v[1] * load(m.mat[1]) + v[2] * load(m.mat[2]);
     }
+    const Row xyz = {v[0], v[1], v[2], 0.0f};
+    if constexpr (L == Lin::Diag) {
+      const Row d = {m.mat[0][0], m.mat[1][1], m.mat[2][2], 0.0f};
+      return xyz * d;
+    }
+    return xyz;
   }
 
   // r = a * b for affine operands whose 3x3 blocks are of the kinds LA and
   // LB and which carry a translation when TA and TB say so.
   template <Lin LA, Lin LB, bool TA, bool TB>
   static void mult(sxMatrix& r, const sxMatrix& a, const sxMatrix& b) {
-    float out[4][4];
-    for (int i = 0; i < 3; ++i) {
+    Row rows[4];
+    sxForEachComponent<3>([&](int i) {
       if constexpr (LA == Lin::Full) {
-        rowTimes<LB>(a.mat[i], b, out[i]);
+        rows[i] = times<LB>(a.mat[i], b);
+      } else if constexpr (LA == Lin::Diag) {
+        rows[i] = a.mat[i][i] * linearRow<LB>(b, i);
       } else {
-        scaledRow<LB>(b, i, LA == Lin::Diag ? a.mat[i][i] : 1.0f, out[i]);
+        rows[i] = linearRow<LB>(b, i);
       }
-    }
-    if constexpr (TA) {
-      rowTimes<LB>(a.mat[3], b, out[3]);
-    } else {
-      for (int j = 0; j < 4; ++j) out[3][j] = 0.0f;
-    }
-    if constexpr (TB) {
-      for (int j = 0; j < 3; ++j) out[3][j] += b.mat[3][j];
-    }
+    });
+    rows[3] = TB ? load(b.mat[3]) : unit(3);
+    if constexpr (TA) rows[3] += times<LB>(a.mat[3], b);
     const unsigned int type = a.type | b.type;
-    for (int i = 0; i < 3; ++i) {
-      for (int j = 0; j < 3; ++j) r.mat[i][j] = out[i][j];
-      r.mat[i][3] = 0.0f;
-    }
-    for (int j = 0; j < 3; ++j) r.mat[3][j] = out[3][j];
-    r.mat[3][3] = 1.0f;
+    sxForEachComponent<4>([&](int i) { store(r.mat[i], rows[i]); });
     r.type = type;
   }
 
@@ -136,7 +127,6 @@ SX_BLOCK_PRODUCT(multScaleByLinear, Diag, Full, false, false)
 SX_BLOCK_PRODUCT(multScaleByAffine, Diag, Full, false, true)
 SX_BLOCK_PRODUCT(multAffineByScale, Full, Diag, true, false)
 SX_BLOCK_PRODUCT(multScaleByScale, Diag, Diag, false, false)
-SX_BLOCK_PRODUCT(multXlateByXlate, None, None, true, true)
 #undef SX_BLOCK_PRODUCT
 
 void sxMatrix::multFull(sxMatrix& r, const sxMatrix& a, const sxMatrix& b) {
@@ -158,7 +148,8 @@ void sxMatrix::multFull(sxMatrix& r, const sxMatrix& a, const sxMatrix& b) {
   if (unknown) r.identifyType();
 }
 
-// Rows: the group of a; columns: the group of b. A scale followed by a
+// Rows: the group of a; columns: the group of b. The identity and the
+// translation-by-translation cases are normally settled inline by mult. A scale followed by a
 // translation keeps the scale block and takes the translation, which is
 // what the linear-by-translation product does.
 const sxiMatrixBlocks::Fn sxiMatrixBlocks::table[NUM_GROUPS][NUM_GROUPS] = {
@@ -168,8 +159,8 @@ const sxiMatrixBlocks::Fn sxiMatrixBlocks::table[NUM_GROUPS][NUM_GROUPS] = {
     {copyA, sxMatrix::multLinearByLinear, sxMatrix::multLinearByXlate, sxMatrix::multLinearByAffine,
      sxMatrix::multLinearByScale, sxMatrix::multFull},
     // XLATE
-    {copyA, sxMatrix::multXlateByLinear, sxMatrix::multXlateByXlate, sxMatrix::multXlateByAffine,
-     sxMatrix::multXlateByScale, sxMatrix::multFull},
+    {copyA, sxMatrix::multXlateByLinear, mult<Lin::None, Lin::None, true, true>,
+     sxMatrix::multXlateByAffine, sxMatrix::multXlateByScale, sxMatrix::multFull},
     // AFFINE
     {copyA, sxMatrix::multAffineByLinear, sxMatrix::multAffineByXlate, sxMatrix::multAffineByAffine,
      sxMatrix::multAffineByScale, sxMatrix::multFull},
@@ -181,6 +172,6 @@ const sxiMatrixBlocks::Fn sxiMatrixBlocks::table[NUM_GROUPS][NUM_GROUPS] = {
      sxMatrix::multFull},
 };
 
-void sxMatrix::mult(const sxMatrix& a, const sxMatrix& b) {
+void sxMatrix::multByGroups(const sxMatrix& a, const sxMatrix& b) {
   sxiMatrixBlocks::table[group(a.type)][group(b.type)](*this, a, b);
 }

@@ -72,8 +72,29 @@ class SX_API sxMatrix {
   void getQuat(sxQuat& q) const;
   void setQuat(const sxQuat& q);
 
-  // this = a * b. Any of the operands may be this matrix.
-  void mult(const sxMatrix& a, const sxMatrix& b);
+  // this = a * b. Any of the operands may be this matrix. The most frequent
+  // cases are picked out here, inline: the identity, pure translations, and
+  // rotations with translations, which go straight to their block product.
+  void mult(const sxMatrix& a, const sxMatrix& b) {
+    if (a.type == IDENTITY) {
+      *this = b;
+    } else if (b.type == IDENTITY) {
+      *this = a;
+    } else if (a.type == TRANSLATION && b.type == TRANSLATION) {
+      // a's upper rows and the sum of the translations
+      const float x = a.mat[3][0] + b.mat[3][0], y = a.mat[3][1] + b.mat[3][1],
+                  z = a.mat[3][2] + b.mat[3][2];
+      for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 4; ++j) mat[i][j] = a.mat[i][j];
+      }
+      mat[3][0] = x, mat[3][1] = y, mat[3][2] = z, mat[3][3] = a.mat[3][3];
+      type = TRANSLATION;
+    } else if (a.type && b.type && ((a.type | b.type) & ~(ROTATION | TRANSLATION)) == 0) {
+      multAffineByAffine(*this, a, b);
+    } else {
+      multByGroups(a, b);
+    }
+  }
   void preMult(const sxMatrix& m) { mult(m, *this); }
   void postMult(const sxMatrix& m) { mult(*this, m); }
   sxMatrix& operator*=(const sxMatrix& m) { return postMult(m), *this; }
@@ -137,8 +158,9 @@ class SX_API sxMatrix {
   static void multScaleByAffine(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);
   static void multAffineByScale(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);
   static void multScaleByScale(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);
-  static void multXlateByXlate(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);
   static void multFull(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);
+  // Dispatches on the type groups of the operands.
+  void multByGroups(const sxMatrix& a, const sxMatrix& b);
   friend struct sxiMatrixBlocks;
 
   // Replaces the type bits in clear by those in add, keeping the others;
