@@ -9,7 +9,7 @@
 // The view test of the traversal, for spheres and boxes alike.
 template <class V>
 sxVolume::CONTAINMENT sxFrustum::cull(const V& v) const {
-  if (empty || sxiSide(bound, v) == OUTSIDE) return OUTSIDE;
+  if (empty || sxiMisses(bound, v)) return OUTSIDE;
   unsigned int crossed = 0;
   for (int i = 0; i < 6; ++i) {
     const CONTAINMENT c = sxiSide(faces[i], v);

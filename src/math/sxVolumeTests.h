@@ -41,7 +41,7 @@ inline sxVolume::CONTAINMENT sxiSide(const sxSphere& outer, const sxSphere& s) {
 inline float sxiNearSqr(const sxBox& b, const sxVec3& p) {
   float sum = 0.0f;
   for (int i = 0; i < 3; ++i) {
-    const float d = std::max({b.min[i] - p[i], 0.0f, p[i] - b.max[i]});
+    const float d = std::max(std::max(b.min[i] - p[i], p[i] - b.max[i]), 0.0f);
     sum += d * d;
   }
   return sum;
@@ -56,11 +56,20 @@ inline float sxiFarSqr(const sxBox& b, const sxVec3& p) {
   return sum;
 }
 
+// The outside answers of the two tests above alone, for culling's first
+// step, which needs no more.
+inline bool sxiMisses(const sxSphere& outer, const sxSphere& s) {
+  const float reach = outer.radius + s.radius;
+  return outer.center.sqrDistance(s.center) > reach * reach;
+}
+inline bool sxiMisses(const sxSphere& s, const sxBox& b) {
+  return sxiNearSqr(b, s.center) > s.radius * s.radius;
+}
+
 // A box inside a sphere: every corner within the radius.
 inline sxVolume::CONTAINMENT sxiSide(const sxSphere& s, const sxBox& b) {
-  const float r2 = s.radius * s.radius;
-  if (sxiNearSqr(b, s.center) > r2) return sxVolume::OUTSIDE;
-  return sxiFarSqr(b, s.center) <= r2 ? sxVolume::INSIDE : sxVolume::PARTIAL;
+  if (sxiMisses(s, b)) return sxVolume::OUTSIDE;
+  return sxiFarSqr(b, s.center) <= s.radius * s.radius ? sxVolume::INSIDE : sxVolume::PARTIAL;
 }
 
 // Clips the line start + t * dir to the half space n . p <= offset,

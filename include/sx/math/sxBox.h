@@ -53,9 +53,11 @@ class SX_API sxBox final : public sxVolumeOf<sxBox, sxVolume::BOX> {
   void getCorner(sxVec3::OCTANT octant, sxVec3& corner) const {
     if (static_cast<unsigned>(octant) <= 7u) corner = cornerOf(octant);
   }
-  // The same from the three low bits alone.
+  // The same from the three low bits alone. Picked by index rather than by
+  // branches: culling asks for a different corner plane after plane.
   sxVec3 cornerOf(int bits) const {
-    return sxVec3(bits & 4 ? min.x : max.x, bits & 2 ? min.y : max.y, bits & 1 ? min.z : max.z);
+    const sxVec3* ends[2] = {&max, &min};
+    return sxVec3(ends[bits >> 2 & 1]->x, ends[bits >> 1 & 1]->y, ends[bits & 1]->z);
   }
 
   sxVec3 min;
