@@ -47,60 +47,42 @@ Operands make(Kind kind, unsigned seed) {
   return ops;
 }
 
-void sxMult(benchmark::State& state, Kind ka, Kind kb) {
-  const Operands a = make(ka, 1), b = make(kb, 2);
-  sxMatrix r;
+// Runs op on operand i of each set in turn, keeping the result alive.
+template <class Result, class Op>
+void run(benchmark::State& state, Op op) {
+  Result r;
   int i = 0;
   for (auto _ : state) {
-    r.mult(a.sx[i], b.sx[i]);
+    op(r, i);
     benchmark::DoNotOptimize(r);
     i = (i + 1) & (count - 1);
   }
 }
 
+void sxMult(benchmark::State& state, Kind ka, Kind kb) {
+  const Operands a = make(ka, 1), b = make(kb, 2);
+  run<sxMatrix>(state, [&](sxMatrix& r, int i) { r.mult(a.sx[i], b.sx[i]); });
+}
+
+// Row vectors on the left of a then b equal column vectors under b * a.
 void glmMult(benchmark::State& state, Kind ka, Kind kb) {
   const Operands a = make(ka, 1), b = make(kb, 2);
-  glm::mat4 r;
-  int i = 0;
-  for (auto _ : state) {
-    // Row vectors on the left of a then b equal column vectors under b * a.
-    r = b.gl[i] * a.gl[i];
-    benchmark::DoNotOptimize(r);
-    i = (i + 1) & (count - 1);
-  }
+  run<glm::mat4>(state, [&](glm::mat4& r, int i) { r = b.gl[i] * a.gl[i]; });
 }
 
 void sxInvert(benchmark::State& state) {
   const Operands a = make(AFFINE, 3);
-  sxMatrix r;
-  int i = 0;
-  for (auto _ : state) {
-    r.invert(a.sx[i]);
-    benchmark::DoNotOptimize(r);
-    i = (i + 1) & (count - 1);
-  }
+  run<sxMatrix>(state, [&](sxMatrix& r, int i) { r.invert(a.sx[i]); });
 }
 
 void sxInvertFull(benchmark::State& state) {
   const Operands a = make(AFFINE, 3);
-  sxMatrix r;
-  int i = 0;
-  for (auto _ : state) {
-    r.invertFull(a.sx[i]);
-    benchmark::DoNotOptimize(r);
-    i = (i + 1) & (count - 1);
-  }
+  run<sxMatrix>(state, [&](sxMatrix& r, int i) { r.invertFull(a.sx[i]); });
 }
 
 void glmInvert(benchmark::State& state) {
   const Operands a = make(AFFINE, 3);
-  glm::mat4 r;
-  int i = 0;
-  for (auto _ : state) {
-    r = glm::inverse(a.gl[i]);
-    benchmark::DoNotOptimize(r);
-    i = (i + 1) & (count - 1);
-  }
+  run<glm::mat4>(state, [&](glm::mat4& r, int i) { r = glm::inverse(a.gl[i]); });
 }
 
 }  // namespace

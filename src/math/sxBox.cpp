@@ -4,7 +4,6 @@
 #include <cfloat>
 #include <cmath>
 
-#include <sx/math/sxFrustum.h>
 #include <sx/math/sxMatrix.h>
 
 #include "math/sxVolumeTests.h"
@@ -68,14 +67,6 @@ sxVolume::CONTAINMENT sxBox::contains(const sxRay& ray) const {
   return rayContainment(ray, range.tIn, range.tOut);
 }
 
-sxVolume::CONTAINMENT sxBox::contains(const sxFrustum& frustum) const {
-  if (!isectBoxFrust(*this, frustum)) return OUTSIDE;
-  for (int i = 0; i < sxFrustum::numCorners; ++i) {
-    if (contains(frustum.getCorner(i)) == OUTSIDE) return PARTIAL;
-  }
-  return INSIDE;
-}
-
 sxVolume::CONTAINMENT sxBox::contains(const sxSphere& sphere) const {
   if (!isectBoxSphere(*this, sphere)) return OUTSIDE;
   for (int i = 0; i < 3; ++i) {
@@ -99,39 +90,11 @@ sxVolume::CONTAINMENT sxBox::contains(const sxPlane& plane) const {
   return plane.intersects(*this) ? PARTIAL : OUTSIDE;
 }
 
-bool sxBox::intersects(const sxFrustum& frustum) const {
-  return isectBoxFrust(*this, frustum);
-}
-bool sxBox::intersects(const sxSphere& sphere) const {
-  return isectBoxSphere(*this, sphere);
-}
-bool sxBox::intersects(const sxBox& box) const {
-  return isectBoxBox(*this, box);
-}
-bool sxBox::intersects(const sxPlane& plane) const {
-  return isectPlaneBox(plane, *this);
-}
-bool sxBox::intersects(const sxRay& ray) const {
-  return isectRayBox(ray, *this);
-}
-
 void sxBox::extendAround(const sxVec3& p) {
   for (int i = 0; i < 3; ++i) {
     min[i] = std::min(min[i], p[i]);
     max[i] = std::max(max[i], p[i]);
   }
-}
-
-void sxBox::extendAround(const sxRay& ray) {
-  sxVec3 end;
-  ray.getEndPoint(end);
-  extendAround(ray.start);
-  extendAround(end);
-}
-
-void sxBox::extendAround(const sxFrustum& frustum) {
-  if (frustum.isEmpty()) return;
-  for (int i = 0; i < sxFrustum::numCorners; ++i) extendAround(frustum.getCorner(i));
 }
 
 void sxBox::extendAround(const sxSphere& sphere) {

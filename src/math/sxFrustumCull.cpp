@@ -46,31 +46,7 @@ sxVolume::CONTAINMENT sxFrustum::contains(const sxRay& ray) const {
   return rayContainment(ray, range.tIn, range.tOut);
 }
 
-sxVolume::CONTAINMENT sxFrustum::contains(const sxFrustum& frustum) const {
-  if (!isectFrustFrust(*this, frustum)) return OUTSIDE;
-  for (const sxVec3& corner : frustum.corners) {
-    if (contains(corner) == OUTSIDE) return PARTIAL;
-  }
-  return INSIDE;
-}
-
 // A bounded frustum never holds a whole half space.
 sxVolume::CONTAINMENT sxFrustum::contains(const sxPlane& plane) const {
   return isectPlaneFrust(plane, *this) ? PARTIAL : OUTSIDE;
-}
-
-bool sxFrustum::intersects(const sxFrustum& frustum) const {
-  return isectFrustFrust(*this, frustum);
-}
-bool sxFrustum::intersects(const sxSphere& sphere) const {
-  return isectSphereFrust(sphere, *this);
-}
-bool sxFrustum::intersects(const sxBox& box) const {
-  return isectBoxFrust(box, *this);
-}
-bool sxFrustum::intersects(const sxPlane& plane) const {
-  return isectPlaneFrust(plane, *this);
-}
-bool sxFrustum::intersects(const sxRay& ray) const {
-  return isectRayFrust(ray, *this);
 }

@@ -202,40 +202,31 @@ void sxMatrix::sub(const sxMatrix& a, const sxMatrix& b) {
   identifyType();
 }
 
+// this = T * this or this * T, T made by one of the make functions.
+template <class Make>
+static sxMatrix made(Make make) {
+  sxMatrix t;
+  make(t);
+  return t;
+}
+
 void sxMatrix::preTrans(float x, float y, float z) {
-  sxMatrix t;
-  t.makeXYZ(x, y, z);
-  preMult(t);
+  preMult(made([&](sxMatrix& t) { t.makeXYZ(x, y, z); }));
 }
-
 void sxMatrix::postTrans(float x, float y, float z) {
-  sxMatrix t;
-  t.makeXYZ(x, y, z);
-  postMult(t);
+  postMult(made([&](sxMatrix& t) { t.makeXYZ(x, y, z); }));
 }
-
 void sxMatrix::preRot(float angle, float x, float y, float z) {
-  sxMatrix t;
-  t.makeRot(angle, x, y, z);
-  preMult(t);
+  preMult(made([&](sxMatrix& t) { t.makeRot(angle, x, y, z); }));
 }
-
 void sxMatrix::postRot(float angle, float x, float y, float z) {
-  sxMatrix t;
-  t.makeRot(angle, x, y, z);
-  postMult(t);
+  postMult(made([&](sxMatrix& t) { t.makeRot(angle, x, y, z); }));
 }
-
 void sxMatrix::preScale(float x, float y, float z) {
-  sxMatrix t;
-  t.makeScale(x, y, z);
-  preMult(t);
+  preMult(made([&](sxMatrix& t) { t.makeScale(x, y, z); }));
 }
-
 void sxMatrix::postScale(float x, float y, float z) {
-  sxMatrix t;
-  t.makeScale(x, y, z);
-  postMult(t);
+  postMult(made([&](sxMatrix& t) { t.makeScale(x, y, z); }));
 }
 
 void sxMatrix::transpose(const sxMatrix& m) {

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include <sx/math/sxFrustum.h>
 #include <sx/math/sxMatrix.h>
 
 #include "math/sxVolumeTests.h"
@@ -61,13 +60,6 @@ sxVolume::CONTAINMENT sxPlane::contains(const sxRay& ray) const {
   return rayContainment(ray, range.tIn, range.tOut);
 }
 
-sxVolume::CONTAINMENT sxPlane::contains(const sxFrustum& frustum) const {
-  if (frustum.isEmpty()) return OUTSIDE;
-  int in = 0;
-  for (int i = 0; i < sxFrustum::numCorners; ++i) in += contains(frustum.getCorner(i)) == INSIDE;
-  return in == sxFrustum::numCorners ? INSIDE : in ? PARTIAL : OUTSIDE;
-}
-
 sxVolume::CONTAINMENT sxPlane::contains(const sxSphere& sphere) const {
   return sxiSide(*this, sphere);
 }
@@ -81,22 +73,6 @@ sxVolume::CONTAINMENT sxPlane::contains(const sxPlane& plane) const {
   if (!isectPlanePlane(*this, plane)) return OUTSIDE;
   const bool sameFacing = normal.dot(plane.normal) >= 1.0f - 1e-6f;
   return sameFacing && plane.offset <= offset ? INSIDE : PARTIAL;
-}
-
-bool sxPlane::intersects(const sxFrustum& frustum) const {
-  return isectPlaneFrust(*this, frustum);
-}
-bool sxPlane::intersects(const sxSphere& sphere) const {
-  return isectPlaneSphere(*this, sphere);
-}
-bool sxPlane::intersects(const sxBox& box) const {
-  return isectPlaneBox(*this, box);
-}
-bool sxPlane::intersects(const sxPlane& plane) const {
-  return isectPlanePlane(*this, plane);
-}
-bool sxPlane::intersects(const sxRay& ray) const {
-  return isectRayPlane(ray, *this);
 }
 
 void sxPlane::extendAround(const sxVec3& point) {

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include <sx/math/sxFrustum.h>
 #include <sx/math/sxMatrix.h>
 
 #include "math/sxVolumeTests.h"
@@ -31,14 +30,6 @@ sxVolume::CONTAINMENT sxSphere::contains(const sxRay& ray) const {
   return rayContainment(ray, mid - half, mid + half);
 }
 
-sxVolume::CONTAINMENT sxSphere::contains(const sxFrustum& frustum) const {
-  if (!isectSphereFrust(*this, frustum)) return OUTSIDE;
-  for (int i = 0; i < sxFrustum::numCorners; ++i) {
-    if (contains(frustum.getCorner(i)) == OUTSIDE) return PARTIAL;
-  }
-  return INSIDE;
-}
-
 sxVolume::CONTAINMENT sxSphere::contains(const sxSphere& sphere) const {
   return sxiSide(*this, sphere);
 }
@@ -50,22 +41,6 @@ sxVolume::CONTAINMENT sxSphere::contains(const sxBox& box) const {
 
 sxVolume::CONTAINMENT sxSphere::contains(const sxPlane& plane) const {
   return isectPlaneSphere(plane, *this) ? PARTIAL : OUTSIDE;
-}
-
-bool sxSphere::intersects(const sxFrustum& frustum) const {
-  return isectSphereFrust(*this, frustum);
-}
-bool sxSphere::intersects(const sxSphere& sphere) const {
-  return isectSphereSphere(*this, sphere);
-}
-bool sxSphere::intersects(const sxBox& box) const {
-  return isectBoxSphere(box, *this);
-}
-bool sxSphere::intersects(const sxPlane& plane) const {
-  return isectPlaneSphere(plane, *this);
-}
-bool sxSphere::intersects(const sxRay& ray) const {
-  return isectRaySphere(ray, *this);
 }
 
 void sxSphere::extendAround(const sxVec3& point) {
@@ -83,18 +58,6 @@ void sxSphere::extendAround(const sxVec3& point) {
   farSide.addScaled(center, radius / d, center - point);
   center.combine(0.5f, farSide, 0.5f, point);
   radius = (d + radius) * 0.5f;
-}
-
-void sxSphere::extendAround(const sxRay& ray) {
-  sxVec3 end;
-  ray.getEndPoint(end);
-  extendAround(ray.start);
-  extendAround(end);
-}
-
-void sxSphere::extendAround(const sxFrustum& frustum) {
-  if (frustum.isEmpty()) return;
-  for (int i = 0; i < sxFrustum::numCorners; ++i) extendAround(frustum.getCorner(i));
 }
 
 void sxSphere::extendAround(const sxSphere& sphere) {

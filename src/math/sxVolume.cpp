@@ -34,8 +34,28 @@ bool sxVolume::intersects(const sxVolume& v) const {
   return visit(v, [this](const auto& kind) { return intersects(kind); });
 }
 
+sxVolume::CONTAINMENT sxVolume::contains(const sxFrustum& frustum) const {
+  if (!intersects(frustum)) return OUTSIDE;
+  for (int i = 0; i < sxFrustum::numCorners; ++i) {
+    if (contains(frustum.getCorner(i)) == OUTSIDE) return PARTIAL;
+  }
+  return INSIDE;
+}
+
 void sxVolume::extendAround(const sxVec3* points, int count) {
   for (int i = 0; i < count; ++i) extendAround(points[i]);
+}
+
+void sxVolume::extendAround(const sxRay& ray) {
+  sxVec3 end;
+  ray.getEndPoint(end);
+  extendAround(ray.start);
+  extendAround(end);
+}
+
+void sxVolume::extendAround(const sxFrustum& frustum) {
+  if (frustum.isEmpty()) return;
+  for (int i = 0; i < sxFrustum::numCorners; ++i) extendAround(frustum.getCorner(i));
 }
 
 void sxVolume::extendAround(const sxVolume& v) {

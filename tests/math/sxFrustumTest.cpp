@@ -98,14 +98,18 @@ TEST_F(sxFrustumTest, PlanesMasksAndCornersAgree) {
   auto on = [](const sxPlane& p, const sxVec3& c) {
     return std::fabs(p.normal.dot(c) - p.offset) < 1e-3f;
   };
-  for (int face = 0; face < 6; ++face) {
-    const sxPlane& p = f.getPlane(face);
-    int onFace = 0;
+  // How many corners lie on the plane; all must lie inside it.
+  auto cornersOn = [&](const sxPlane& p) {
+    int count = 0;
     for (int c = 0; c < 8; ++c) {
-      onFace += on(p, f.getCorner(c));
+      count += on(p, f.getCorner(c));
       EXPECT_LE(p.normal.dot(f.getCorner(c)), p.offset + 1e-3f);
     }
-    EXPECT_EQ(onFace, 4) << face;
+    return count;
+  };
+  for (int face = 0; face < 6; ++face) {
+    const sxPlane& p = f.getPlane(face);
+    EXPECT_EQ(cornersOn(p), 4) << face;
     for (int e = 0; e < sxFrustum::numEdges; ++e) {
       // An edge is on a face's border when both its ends are on the face.
       const sxPlane& edge = f.getEdgePlane(e);
@@ -114,15 +118,7 @@ TEST_F(sxFrustumTest, PlanesMasksAndCornersAgree) {
       EXPECT_EQ(shared == 2, ((sxFrustum::edgeMasks[face] >> e) & 1u) != 0) << face << " " << e;
     }
   }
-  for (int e = 0; e < sxFrustum::numEdges; ++e) {
-    const sxPlane& edge = f.getEdgePlane(e);
-    int onEdge = 0;
-    for (int c = 0; c < 8; ++c) {
-      onEdge += on(edge, f.getCorner(c));
-      EXPECT_LE(edge.normal.dot(f.getCorner(c)), edge.offset + 1e-3f);
-    }
-    EXPECT_EQ(onEdge, 2) << e;
-  }
+  for (int e = 0; e < sxFrustum::numEdges; ++e) EXPECT_EQ(cornersOn(f.getEdgePlane(e)), 2) << e;
   for (int c = 0; c < 8; ++c) {
     EXPECT_EQ(f.getBoundingSphere().contains(f.getCorner(c)), V::INSIDE);
   }

@@ -399,22 +399,22 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
     // The generic forms reach the typed ones.
     for (const auto& w : volumes) {
       const sxVolume& other = *w;
+      auto same = [&](const auto& kind) {
+        EXPECT_EQ(v->contains(other), v->contains(kind));
+        EXPECT_EQ(v->intersects(other), v->intersects(kind));
+      };
       switch (w->getType()) {
         case V::PLANE:
-          EXPECT_EQ(v->contains(other), v->contains(static_cast<const sxPlane&>(other)));
-          EXPECT_EQ(v->intersects(other), v->intersects(static_cast<const sxPlane&>(other)));
+          same(static_cast<const sxPlane&>(other));
           break;
         case V::BOX:
-          EXPECT_EQ(v->contains(other), v->contains(static_cast<const sxBox&>(other)));
-          EXPECT_EQ(v->intersects(other), v->intersects(static_cast<const sxBox&>(other)));
+          same(static_cast<const sxBox&>(other));
           break;
         case V::SPHERE:
-          EXPECT_EQ(v->contains(other), v->contains(static_cast<const sxSphere&>(other)));
-          EXPECT_EQ(v->intersects(other), v->intersects(static_cast<const sxSphere&>(other)));
+          same(static_cast<const sxSphere&>(other));
           break;
         case V::FRUSTUM:
-          EXPECT_EQ(v->contains(other), v->contains(static_cast<const sxFrustum&>(other)));
-          EXPECT_EQ(v->intersects(other), v->intersects(static_cast<const sxFrustum&>(other)));
+          same(static_cast<const sxFrustum&>(other));
           break;
       }
       EXPECT_TRUE(v->intersects(other)) << v->getType() << " " << w->getType();

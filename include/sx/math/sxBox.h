@@ -22,22 +22,12 @@ class SX_API sxBox final : public sxVolumeOf<sxBox, sxVolume::BOX> {
   using sxVolume::contains;
   CONTAINMENT contains(const sxVec3& point) const override;
   CONTAINMENT contains(const sxRay& ray) const override;
-  CONTAINMENT contains(const sxFrustum& frustum) const override;
   CONTAINMENT contains(const sxSphere& sphere) const override;
   CONTAINMENT contains(const sxBox& box) const override;
   CONTAINMENT contains(const sxPlane& plane) const override;
 
-  using sxVolume::intersects;
-  bool intersects(const sxFrustum& frustum) const override;
-  bool intersects(const sxSphere& sphere) const override;
-  bool intersects(const sxBox& box) const override;
-  bool intersects(const sxPlane& plane) const override;
-  bool intersects(const sxRay& ray) const override;
-
   using sxVolume::extendAround;
   void extendAround(const sxVec3& point) override;
-  void extendAround(const sxRay& ray) override;
-  void extendAround(const sxFrustum& frustum) override;
   void extendAround(const sxSphere& sphere) override;
   void extendAround(const sxBox& box) override;
 

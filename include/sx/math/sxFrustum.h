@@ -71,7 +71,6 @@ class SX_API sxFrustum final : public sxVolumeOf<sxFrustum, sxVolume::FRUSTUM> {
   // Inside when within the bounding sphere and all six faces.
   CONTAINMENT contains(const sxVec3& point) const override;
   CONTAINMENT contains(const sxRay& ray) const override;
-  CONTAINMENT contains(const sxFrustum& frustum) const override;
   // Culling: the bounding sphere, then the faces, then the edge planes of
   // the faces that the volume crosses. Never outside for a volume that
   // overlaps, never inside for one that pokes out; near a corner a volume
@@ -79,13 +78,6 @@ class SX_API sxFrustum final : public sxVolumeOf<sxFrustum, sxVolume::FRUSTUM> {
   CONTAINMENT contains(const sxSphere& sphere) const override;
   CONTAINMENT contains(const sxBox& box) const override;
   CONTAINMENT contains(const sxPlane& plane) const override;
-
-  using sxVolume::intersects;
-  bool intersects(const sxFrustum& frustum) const override;
-  bool intersects(const sxSphere& sphere) const override;
-  bool intersects(const sxBox& box) const override;
-  bool intersects(const sxPlane& plane) const override;
-  bool intersects(const sxRay& ray) const override;
 
   // A frustum is made, not grown: these do nothing.
   using sxVolume::extendAround;

@@ -35,17 +35,9 @@ class SX_API sxPlane final : public sxVolumeOf<sxPlane, sxVolume::PLANE> {
     return normal.dot(point) <= offset ? INSIDE : OUTSIDE;
   }
   CONTAINMENT contains(const sxRay& ray) const override;
-  CONTAINMENT contains(const sxFrustum& frustum) const override;
   CONTAINMENT contains(const sxSphere& sphere) const override;
   CONTAINMENT contains(const sxBox& box) const override;
   CONTAINMENT contains(const sxPlane& plane) const override;
-
-  using sxVolume::intersects;
-  bool intersects(const sxFrustum& frustum) const override;
-  bool intersects(const sxSphere& sphere) const override;
-  bool intersects(const sxBox& box) const override;
-  bool intersects(const sxPlane& plane) const override;
-  bool intersects(const sxRay& ray) const override;
 
   using sxVolume::extendAround;
   // Moves the boundary out just far enough to take in the point.

@@ -41,7 +41,9 @@ class SX_API sxVolume : public sxMemory {
 
   virtual CONTAINMENT contains(const sxVec3& point) const = 0;
   virtual CONTAINMENT contains(const sxRay& ray) const = 0;
-  virtual CONTAINMENT contains(const sxFrustum& frustum) const = 0;
+  // Every kind is convex: it holds a frustum that it meets when it holds the
+  // frustum's corners.
+  virtual CONTAINMENT contains(const sxFrustum& frustum) const;
   virtual CONTAINMENT contains(const sxSphere& sphere) const = 0;
   virtual CONTAINMENT contains(const sxBox& box) const = 0;
   virtual CONTAINMENT contains(const sxPlane& plane) const = 0;
@@ -57,8 +59,10 @@ class SX_API sxVolume : public sxMemory {
 
   virtual void extendAround(const sxVec3& point) = 0;
   virtual void extendAround(const sxVec3* points, int count);
-  virtual void extendAround(const sxRay& ray) = 0;
-  virtual void extendAround(const sxFrustum& frustum) = 0;
+  // Around the ray's start and end points.
+  virtual void extendAround(const sxRay& ray);
+  // Around the frustum's corners.
+  virtual void extendAround(const sxFrustum& frustum);
   virtual void extendAround(const sxSphere& sphere) = 0;
   virtual void extendAround(const sxBox& box) = 0;
   // Nothing can enclose a half space.
@@ -90,6 +94,25 @@ class SX_API sxVolume : public sxMemory {
   static bool isectSphereSphere(const sxSphere& a, const sxSphere& b);
   static bool isectSphereFrust(const sxSphere& sphere, const sxFrustum& frustum);
   static bool isectFrustFrust(const sxFrustum& a, const sxFrustum& b);
+  // The same tests by argument types, in either order.
+  static bool isect(const sxRay& r, const sxPlane& p) { return isectRayPlane(r, p); }
+  static bool isect(const sxRay& r, const sxBox& b) { return isectRayBox(r, b); }
+  static bool isect(const sxRay& r, const sxSphere& s) { return isectRaySphere(r, s); }
+  static bool isect(const sxRay& r, const sxFrustum& f) { return isectRayFrust(r, f); }
+  static bool isect(const sxPlane& a, const sxPlane& b) { return isectPlanePlane(a, b); }
+  static bool isect(const sxPlane& p, const sxBox& b) { return isectPlaneBox(p, b); }
+  static bool isect(const sxPlane& p, const sxSphere& s) { return isectPlaneSphere(p, s); }
+  static bool isect(const sxPlane& p, const sxFrustum& f) { return isectPlaneFrust(p, f); }
+  static bool isect(const sxBox& a, const sxBox& b) { return isectBoxBox(a, b); }
+  static bool isect(const sxBox& b, const sxSphere& s) { return isectBoxSphere(b, s); }
+  static bool isect(const sxBox& b, const sxFrustum& f) { return isectBoxFrust(b, f); }
+  static bool isect(const sxSphere& a, const sxSphere& b) { return isectSphereSphere(a, b); }
+  static bool isect(const sxSphere& s, const sxFrustum& f) { return isectSphereFrust(s, f); }
+  static bool isect(const sxFrustum& a, const sxFrustum& b) { return isectFrustFrust(a, b); }
+  template <class A, class B>
+  static bool isect(const A& a, const B& b) {
+    return isect(b, a);
+  }
 
   // Three-valued result of a convex volume against a ray: the part of the
   // ray between its start and end that lies inside, from the entry and exit
@@ -99,10 +122,18 @@ class SX_API sxVolume : public sxMemory {
   TYPE type;
 };
 
-// The copy operations, written once for every kind D of type T.
+// The copy operations and the intersection tests, written once for every
+// kind D of type T.
 template <class D, sxVolume::TYPE T>
 class sxVolumeOf : public sxVolume {
  public:
+  using sxVolume::intersects;
+  bool intersects(const sxFrustum& f) const override { return isect(self(), f); }
+  bool intersects(const sxSphere& s) const override { return isect(self(), s); }
+  bool intersects(const sxBox& b) const override { return isect(self(), b); }
+  bool intersects(const sxPlane& p) const override { return isect(self(), p); }
+  bool intersects(const sxRay& r) const override { return isect(r, self()); }
+
   void copy(const sxVolume& v) override {
     if (v.getType() == T) static_cast<D&>(*this) = static_cast<const D&>(v);
   }
@@ -113,6 +144,7 @@ class sxVolumeOf : public sxVolume {
 
  protected:
   sxVolumeOf() : sxVolume(T) {}
+  const D& self() const { return static_cast<const D&>(*this); }
   sxVolumeOf(const sxVolumeOf&) = default;
   sxVolumeOf& operator=(const sxVolumeOf&) = default;
 };
