@@ -78,17 +78,14 @@ class SX_API sxMatrix {
   void mult(const sxMatrix& a, const sxMatrix& b) {
     if (a.type == IDENTITY) {
       *this = b;
-    } else if (b.type == IDENTITY) {
-      *this = a;
-    } else if (a.type == TRANSLATION && b.type == TRANSLATION) {
+    } else if (((a.type ^ TRANSLATION) | (b.type ^ TRANSLATION)) == 0) {
       // a's upper rows and the sum of the translations
       const float x = a.mat[3][0] + b.mat[3][0], y = a.mat[3][1] + b.mat[3][1],
                   z = a.mat[3][2] + b.mat[3][2];
-      for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 4; ++j) mat[i][j] = a.mat[i][j];
-      }
-      mat[3][0] = x, mat[3][1] = y, mat[3][2] = z, mat[3][3] = a.mat[3][3];
-      type = TRANSLATION;
+      *this = a;
+      mat[3][0] = x, mat[3][1] = y, mat[3][2] = z;
+    } else if (b.type == IDENTITY) {
+      *this = a;
     } else if (a.type && b.type && ((a.type | b.type) & ~(ROTATION | TRANSLATION)) == 0) {
       multAffineByAffine(*this, a, b);
     } else {
