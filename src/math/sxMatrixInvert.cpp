@@ -1,5 +1,6 @@
 #include <sx/math/sxMatrix.h>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -94,15 +95,21 @@ bool sxMatrix::invertAffine(const sxMatrix& m) {
   return true;
 }
 
+// LU decomposition with partial pivoting and implicit row scaling, carried
+// out on whole rows of the matrix and of the identity beside it, so that
+// the identity's four columns are solved at once.
 bool sxMatrix::invertFull(const sxMatrix& m) {
-  float a[4][4];
-  m.get(a);
-  // Implicit scaling: each row's pivot is judged relative to its largest
-  // element.
-  float rowScale[4];
+  Row a[4], b[4];
+  float rowScale[4], diag[4];
+#pragma GCC unroll 4
   for (int i = 0; i < 4; ++i) {
+    a[i] = sxiRows::load(m[i]);
+    b[i] = sxiRows::unit(i);
+    // Implicit scaling: each row's pivot is judged relative to its largest
+    // element.
     float big = 0.0f;
-    for (int j = 0; j < 4; ++j) big = std::fmax(big, std::fabs(a[i][j]));
+#pragma GCC unroll 4
+    for (int j = 0; j < 4; ++j) big = std::max(big, std::fabs(a[i][j]));
     if (big < tolerance) {
       sxiMathMessage("Singular Matrix.  Undefined results.\n");
       makeIdent();
@@ -110,44 +117,45 @@ bool sxMatrix::invertFull(const sxMatrix& m) {
     }
     rowScale[i] = 1.0f / big;
   }
-  // Crout's LU decomposition with partial pivoting, in place.
-  int perm[4];
+#pragma GCC unroll 4
   for (int j = 0; j < 4; ++j) {
-    for (int i = 0; i < j; ++i) {
-      for (int k = 0; k < i; ++k) a[i][j] -= a[i][k] * a[k][j];
-    }
-    float big = 0.0f;
     int pivot = j;
+    float big = 0.0f;
+#pragma GCC unroll 4
     for (int i = j; i < 4; ++i) {
-      for (int k = 0; k < j; ++k) a[i][j] -= a[i][k] * a[k][j];
       const float merit = rowScale[i] * std::fabs(a[i][j]);
       if (merit >= big) big = merit, pivot = i;
     }
-    if (pivot != j) {
-      for (int k = 0; k < 4; ++k) std::swap(a[pivot][k], a[j][k]);
-      rowScale[pivot] = rowScale[j];
+    // Swapped by constant indices only, so that the rows can stay in
+    // registers.
+#pragma GCC unroll 4
+    for (int i = j + 1; i < 4; ++i) {
+      if (i == pivot) {
+        std::swap(a[i], a[j]);
+        std::swap(b[i], b[j]);
+        rowScale[i] = rowScale[j];
+      }
     }
-    perm[j] = pivot;
     // An exactly zero pivot is nudged so that the division goes through.
-    if (a[j][j] == 0.0f) a[j][j] = 1e-20f;
-    for (int i = j + 1; i < 4; ++i) a[i][j] /= a[j][j];
+    diag[j] = a[j][j] == 0.0f ? 1e-20f : a[j][j];
+    const float inv = 1.0f / diag[j];
+#pragma GCC unroll 4
+    for (int i = j + 1; i < 4; ++i) {
+      const float f = a[i][j] * inv;
+      a[i] -= f * a[j];
+      b[i] -= f * b[j];
+    }
   }
-  // Solve for each column of the identity.
-  float out[4][4];
-  for (int col = 0; col < 4; ++col) {
-    float b[4] = {0.0f, 0.0f, 0.0f, 0.0f};
-    b[col] = 1.0f;
-    for (int i = 0; i < 4; ++i) {
-      std::swap(b[i], b[perm[i]]);
-      for (int k = 0; k < i; ++k) b[i] -= a[i][k] * b[k];
-    }
-    for (int i = 3; i >= 0; --i) {
-      for (int k = i + 1; k < 4; ++k) b[i] -= a[i][k] * b[k];
-      b[i] /= a[i][i];
-    }
-    for (int i = 0; i < 4; ++i) out[i][col] = b[i];
+#pragma GCC unroll 4
+  for (int i = 3; i >= 0; --i) {
+#pragma GCC unroll 4
+    for (int k = i + 1; k < 4; ++k) b[i] -= a[i][k] * b[k];
+    b[i] *= 1.0f / diag[i];
   }
   const unsigned int t = m.type;
-  set(out[0], t);
+#pragma GCC unroll 4
+  for (int i = 0; i < 4; ++i) sxiRows::store(mat[i], b[i]);
+  type = t;
+  if (t == UNKNOWN) identifyType();
   return true;
 }
