@@ -95,11 +95,12 @@ void initKernelPlugIn() {
   });
 }
 
-// Step 4: the kernel object: settings, clocks, the remaining classes and
-// the application thread.
+// Step 4: the kernel object: settings, the square-root table, clocks, the
+// remaining classes and the application thread.
 void initKernelObject() {
   int units = 1;
   sxiNumTextureUnits = sxReadRegistry("NumTextureUnits", units) ? units : 1;
+  sxSetSqrtMethod(SXSQRT_TABLE_4K);
   std::srand(unsigned(std::time(nullptr)));
   appThreadId = sxPlatform::currentThreadId();
   sxiKernel::initClock();

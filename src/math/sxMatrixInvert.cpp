@@ -1,10 +1,10 @@
+#include <sx/kernel/sxKernel.h>
 #include <sx/math/sxMatrix.h>
 
 #include <algorithm>
 #include <cmath>
 #include <utility>
 
-#include "math/sxMathMessage.h"
 #include "math/sxMatrixRows.h"
 
 namespace {
@@ -111,7 +111,7 @@ bool sxMatrix::invertFull(const sxMatrix& m) {
 #pragma GCC unroll 4
     for (int j = 0; j < 4; ++j) big = std::max(big, std::fabs(a[i][j]));
     if (big < tolerance) {
-      sxiMathMessage("Singular Matrix.  Undefined results.\n");
+      sxMessage("Singular Matrix.  Undefined results.\n");
       makeIdent();
       return false;
     }

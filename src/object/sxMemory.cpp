@@ -21,13 +21,13 @@ inline void* accounted(void* p) {
 }
 }  // namespace
 
-void* sxMemory::operator new(std::size_t size) {
+void* sxMemory::operator new(std::size_t size) noexcept {
   return accounted(std::malloc(size));
 }
-void* sxMemory::operator new[](std::size_t size) {
+void* sxMemory::operator new[](std::size_t size) noexcept {
   return accounted(std::malloc(size));
 }
-void* sxMemory::operator new(std::size_t size, sxArena* arena) {
+void* sxMemory::operator new(std::size_t size, sxArena* arena) noexcept {
   return arena ? arena->malloc(static_cast<unsigned>(size)) : nullptr;
 }
 void sxMemory::operator delete(void* p) noexcept {

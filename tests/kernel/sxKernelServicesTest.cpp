@@ -4,6 +4,15 @@
 #include <cstring>
 #include <string>
 
+namespace {
+// The square-root method as the library left it at load time.
+const SXSQRT_METHOD loadTimeSqrtMethod = sxGetSqrtMethod();
+}  // namespace
+
+TEST(sxKernel, LoadTimeSelectsThe4KSquareRootTable) {
+  EXPECT_EQ(loadTimeSqrtMethod, SXSQRT_TABLE_4K);
+}
+
 TEST(sxKernel, VersionsPackIntoOneWord) {
   EXPECT_EQ(sxGetVersion(), 0x01020006u);
   EXPECT_EQ(sxMakeVersion(1, 2, 6), sxGetVersion());

@@ -79,11 +79,9 @@ class SX_API sxMatrix {
     if (a.type == IDENTITY) {
       *this = b;
     } else if (((a.type ^ TRANSLATION) | (b.type ^ TRANSLATION)) == 0) {
-      // a's upper rows and the sum of the translations
-      const float x = a.mat[3][0] + b.mat[3][0], y = a.mat[3][1] + b.mat[3][1],
-                  z = a.mat[3][2] + b.mat[3][2];
-      *this = a;
-      mat[3][0] = x, mat[3][1] = y, mat[3][2] = z;
+      // The identity with the sum of the translations: the upper rows of a
+      // pure translation are known, so only row 3 is read.
+      sumOfTranslations(a, b);
     } else if (b.type == IDENTITY) {
       *this = a;
     } else if (a.type && b.type && ((a.type | b.type) & ~(ROTATION | TRANSLATION)) == 0) {
@@ -139,6 +137,18 @@ class SX_API sxMatrix {
   float mat[4][4];
 
  private:
+  // this = the pure translation a + b (both pure translations). Row 3 is
+  // summed four wide into a local first, so this may be a or b.
+  void sumOfTranslations(const sxMatrix& a, const sxMatrix& b) {
+    float row[4];
+    for (int j = 0; j < 4; ++j) row[j] = a.mat[3][j] + b.mat[3][j];
+    static constexpr float upper[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
+    for (int i = 0; i < 3; ++i)
+      for (int j = 0; j < 4; ++j) mat[i][j] = upper[i][j];
+    for (int j = 0; j < 3; ++j) mat[3][j] = row[j];
+    mat[3][3] = 1.0f;
+    type = TRANSLATION;
+  }
   // The block products of the fast paths (see sxMatrixMult.cpp): only the
   // non-zero blocks of the two operands are multiplied.
   static void multLinearByLinear(sxMatrix& r, const sxMatrix& a, const sxMatrix& b);

@@ -17,10 +17,10 @@ class SX_API sxMemory {
   virtual ~sxMemory() = default;
 
   // Heap allocation, accounted with the block's usable size. May return null.
-  static void* operator new(std::size_t size);
-  static void* operator new[](std::size_t size);
+  static void* operator new(std::size_t size) noexcept;
+  static void* operator new[](std::size_t size) noexcept;
   // Allocation from an arena; such memory is released only with the arena.
-  static void* operator new(std::size_t size, sxArena* arena);
+  static void* operator new(std::size_t size, sxArena* arena) noexcept;
   static void* operator new(std::size_t, void* place) noexcept { return place; }
   static void operator delete(void* p) noexcept;
   static void operator delete[](void* p) noexcept;
