@@ -6,10 +6,12 @@
 #include <sx/collision/sxCollider.h>
 #include <sx/collision/sxFence.h>
 #include <sx/collision/sxSphereFence.h>
+#include <sx/containers/sxArray.h>
 #include <sx/containers/sxIterator.h>
 #include <sx/containers/sxList.h>
 #include <sx/containers/sxQueue.h>
 #include <sx/containers/sxStack.h>
+#include <sx/containers/sxTArray.h>
 #include <sx/input/sxKeyboard.h>
 #include <sx/input/sxMouse.h>
 #include <sx/kernel/sxKernel.h>
@@ -48,6 +50,8 @@
 #include <sx/object/sxMemory.h>
 #include <sx/object/sxPlugIn.h>
 #include <sx/object/sxType.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 #include <sx/threads/sxFlushThread.h>
 #include <sx/threads/sxLock.h>

@@ -1,5 +1,6 @@
 #include <sx/containers/sxIterator.h>
 #include <sx/kernel/sxKernel.h>
+#include <sx/persist/sxEntry.h>
 
 void sxIterator::resume() {
   paused = 0;
@@ -107,4 +108,53 @@ int sxIterator::update() {
   }
   lastTime = now;
   return current;
+}
+
+// Individually set item times are not stored: reading refills the per-item
+// arrays from the totals or the per-item defaults.
+void sxIterator::write(sxEntry* entry) const {
+  if (!entry) return;
+  entry->writeByte(paused);
+  entry->writeByte(cycle);
+  entry->writeByte(mode);
+  entry->writeByte(direction);
+  entry->writeInt(current);
+  entry->writeInt(step);
+  entry->writeFloat(totalTime);
+  entry->writeFloat(itemTime);
+  entry->writeInt(itemTimes.size());
+  if (itemTimes.size() > 0) entry->writeFloats(itemTimes.values(), itemTimes.size());
+  entry->writeInt(totalFrames);
+  entry->writeInt(itemFrames);
+  entry->writeInt(itemFrameCounts.size());
+  if (itemFrameCounts.size() > 0)
+    entry->writeInts(itemFrameCounts.values(), itemFrameCounts.size());
+  entry->writeInt(numItems);
+}
+
+template <class T>
+void sxIterator::readItems(sxEntry* entry, Array<T>& items, T (sxEntry::*readOne)()) {
+  int n = entry->readInt();
+  // A damaged length reads no further than the data go.
+  int most = (entry->getDataSize() - entry->getCursor()) / 4;
+  if (n > most) n = most;
+  if (n <= 0 || !items.grow(n)) return;
+  for (int i = 0; i < n; ++i) items.set(i, (entry->*readOne)());
+}
+
+void sxIterator::read(sxEntry* entry) {
+  if (!entry) return;
+  paused = std::uint8_t(entry->readByte());
+  cycle = std::uint8_t(entry->readByte());
+  mode = std::uint8_t(entry->readByte());
+  direction = std::uint8_t(entry->readByte());
+  current = entry->readInt();
+  step = entry->readInt();
+  totalTime = entry->readFloat();
+  itemTime = entry->readFloat();
+  readItems(entry, itemTimes, &sxEntry::readFloat);
+  totalFrames = entry->readInt();
+  itemFrames = entry->readInt();
+  readItems(entry, itemFrameCounts, &sxEntry::readInt);
+  setNumItems(entry->readInt());
 }

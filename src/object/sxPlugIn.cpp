@@ -148,6 +148,27 @@ sxPlugIn* sxPlugIn::get(int i) {
   return plugIns->indexInRange(i) ? (*plugIns)[i] : nullptr;
 }
 
+sxPlugIn* sxPlugIn::load(const char* fileName) {
+  char* moduleName = getModuleName(fileName);
+  if (!moduleName) return nullptr;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  sxPlugIn* record = find(moduleName);
+  if (!record) {
+    sxMessage("Attempting to load plug-in: %s \n", moduleName);
+    // A module that is present but made no record is not adopted.
+    if (!sxPlatform::moduleFind(moduleName)) {
+      if (!sxPlatform::moduleLoad(moduleName)) {
+        sxMessage("Error loading plug-in: %s \n", moduleName);
+      } else if ((record = find(moduleName)) != nullptr) {
+        record->dynamic = true;
+        record->loadedHere = true;
+      }
+    }
+  }
+  sxMemory::free(moduleName);
+  return record;
+}
+
 void sxPlugIn::enableDynamicPlugIns(bool enable) {
   plugInLoadingEnabled = enable;
 }

@@ -87,6 +87,28 @@ bool executablePath(char* out, std::size_t size);
 // Current working directory.
 bool currentDirectory(char* out, std::size_t size);
 
+// --- files: binary, unbuffered, with seeking
+enum class FileMode { readOnly, readWrite, create };
+// A descriptor, or -1. create makes or truncates the file for reading and
+// writing, readable and writable by its owner only.
+int fileOpen(const char* path, FileMode mode);
+void fileClose(int fd);
+// Reads or writes up to n bytes, retrying short transfers; the result is
+// the number of bytes transferred (less than n at the end of the file or on
+// an error).
+std::size_t fileRead(int fd, void* buffer, std::size_t n);
+std::size_t fileWrite(int fd, const void* buffer, std::size_t n);
+bool fileSeek(int fd, std::int64_t offset);
+// Size of the open file in bytes; -1 when unknown.
+std::int64_t fileSize(int fd);
+// Creates a new empty file with a unique name in the directory of `path`
+// (for a replacement that is renamed over `path` when complete) and writes
+// its name to out. False when no file could be made.
+bool fileMakeTemporary(const char* path, char* out, std::size_t size);
+// Replaces `to` by `from` in one step.
+bool fileRename(const char* from, const char* to);
+bool fileRemove(const char* path);
+
 // --- console
 void makeStdoutUnbuffered();
 

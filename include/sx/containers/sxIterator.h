@@ -124,6 +124,9 @@ class SX_API sxIterator {
   };
 
   bool advance();  // false when the sequence ends
+  // A stored per-item array: its length, then the values.
+  template <class T>
+  static void readItems(sxEntry* entry, Array<T>& items, T (sxEntry::*readOne)());
 
   std::uint8_t paused = 0;
   std::uint8_t mode = TIME;

@@ -54,6 +54,11 @@ class SX_API sxPlugIn {
   static sxPlugIn* find(void* module);
   static int getNum();
   static sxPlugIn* get(int i);  // null outside 0..getNum()-1
+  // Loads a module by file name: an existing record of that module name is
+  // returned at once; a module that is already in the process without a
+  // record, or that cannot be loaded, gives null. Reports the attempt and a
+  // failure on the message channel.
+  static sxPlugIn* load(const char* fileName);
   static void enableDynamicPlugIns(bool enable);
   static bool isDynamicPlugInsEnabled();
   // The module name of a path: the file name after the last '\' or '/',
@@ -66,10 +71,20 @@ class SX_API sxPlugIn {
   static void operator delete(void*) noexcept {}
   static void operator delete(void*, void*) noexcept {}
 
+  // The plug-in list of a scene file (entry "sxPlugIns"): the records
+  // whose saveWithFile flag is set. Loading it loads those modules, but only
+  // after enableDynamicPlugIns(true).
+  static void savePlugIns(sxFile* file);
+  static void loadPlugIns(sxFile* file);
+
   static void initClass();
   static void cleanUpClass();
 
  private:
+  static void writePlugIn(sxPlugIn* plugIn, sxEntry* entry);
+  // Reads one record; returns its module name (a new heap string), or null
+  // for a damaged record.
+  static char* readPlugIn(sxEntry* entry);
   friend class sxType;
   void addType(sxType* type);
   void removeType(sxType* type);

@@ -1,0 +1,182 @@
+// Arrays in scene files: the elements in their types' encodings, and the
+// shared storage of an array in an entry of its own.
+
+#include <sx/containers/sxArray.h>
+#include <sx/kernel/sxKernel.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+
+#include <cstring>
+
+#include "persist/sxFileState.h"
+
+namespace {
+
+// Floats per element of the float vector types (0 for the others).
+int floatsPerElement(sxArray::DATA_TYPE type) {
+  switch (type) {
+    case sxArray::TYPE_FLOAT:
+      return 1;
+    case sxArray::TYPE_VEC2:
+      return 2;
+    case sxArray::TYPE_VEC3:
+      return 3;
+    case sxArray::TYPE_VEC4:
+      return 4;
+    default:
+      return 0;
+  }
+}
+
+// One element at e (zero bytes for null), in its type's encoding. Byte
+// triples and quadruples are raw bytes and never swapped.
+void writeElement(sxEntry* entry, sxArray::DATA_TYPE type, const unsigned char* e) {
+  static const unsigned char zero[16] = {};
+  if (!e) e = zero;
+  switch (type) {
+    case sxArray::TYPE_USHORT: {
+      short v;
+      std::memcpy(&v, e, sizeof v);
+      entry->writeShort(v);
+      break;
+    }
+    case sxArray::TYPE_UBYTEVEC3:
+    case sxArray::TYPE_UBYTEVEC4:
+      entry->writeChunk(e, sxArray::getElemSize(type));
+      break;
+    case sxArray::TYPE_INT: {
+      int v;
+      std::memcpy(&v, e, sizeof v);
+      entry->writeInt(v);
+      break;
+    }
+    case sxArray::TYPE_DOUBLE: {
+      double v;
+      std::memcpy(&v, e, sizeof v);
+      entry->writeDouble(v);
+      break;
+    }
+    default: {
+      float v[4];
+      int k = floatsPerElement(type);
+      std::memcpy(v, e, std::size_t(k) * sizeof(float));
+      entry->writeFloats(v, k);
+      break;
+    }
+  }
+}
+
+// Reads one element into e (discarded for null).
+void readElement(sxEntry* entry, sxArray::DATA_TYPE type, unsigned char* e) {
+  unsigned char scratch[16];
+  if (!e) e = scratch;
+  switch (type) {
+    case sxArray::TYPE_USHORT: {
+      short v = entry->readShort();
+      std::memcpy(e, &v, sizeof v);
+      break;
+    }
+    case sxArray::TYPE_UBYTEVEC3:
+    case sxArray::TYPE_UBYTEVEC4:
+      entry->readChunk(e, sxArray::getElemSize(type));
+      break;
+    case sxArray::TYPE_INT: {
+      int v = entry->readInt();
+      std::memcpy(e, &v, sizeof v);
+      break;
+    }
+    case sxArray::TYPE_DOUBLE: {
+      double v = entry->readDouble();
+      std::memcpy(e, &v, sizeof v);
+      break;
+    }
+    default: {
+      float v[4];
+      int k = floatsPerElement(type);
+      entry->readFloats(v, k);
+      std::memcpy(e, v, std::size_t(k) * sizeof(float));
+      break;
+    }
+  }
+}
+
+}  // namespace
+
+// Ints and floats go as one run each (4-byte values stay aligned once the
+// first is); elements beyond a block made smaller by setSize are zeros.
+void sxArray::write(sxEntry* entry) const {
+  DATA_TYPE type = getType();
+  int es = getElemSize();
+  if (!entry || es < 1) return;
+  int stored = getNumStored();
+  if (type == TYPE_INT && stored > 0) {
+    entry->writeInts(reinterpret_cast<const int*>(data), stored);
+  } else if (int k = floatsPerElement(type); k && stored > 0) {
+    entry->writeFloats(reinterpret_cast<const float*>(data), stored * k);
+  } else {
+    for (int i = 0; i < stored; ++i)
+      writeElement(entry, type, data + std::size_t(i) * std::size_t(es));
+  }
+  for (int i = stored; i < count; ++i) writeElement(entry, type, nullptr);
+}
+
+void sxArray::read(sxEntry* entry) {
+  DATA_TYPE type = getType();
+  int es = getElemSize();
+  if (!entry || es < 1) return;
+  int stored = getNumStored();
+  if (type == TYPE_INT && stored > 0) {
+    entry->readInts(reinterpret_cast<int*>(data), stored);
+  } else if (int k = floatsPerElement(type); k && stored > 0) {
+    entry->readFloats(reinterpret_cast<float*>(data), stored * k);
+  } else {
+    for (int i = 0; i < stored; ++i)
+      readElement(entry, type, data + std::size_t(i) * std::size_t(es));
+  }
+  for (int i = stored; i < count && entry->getCursor() < entry->getDataSize(); ++i)
+    readElement(entry, type, nullptr);
+}
+
+sxEntry* sxArray::writeRef(sxFile* file, sxEntry* entry) const {
+  if (!file) return nullptr;
+  sxEntry* own = file->findEntry(static_cast<const void*>(this));
+  if (!own) {
+    own = file->newEntry(file->newTag("sxArray"));
+    if (own) {
+      own->setHandle(this);
+      own->setVersion(sxGetVersion());
+      own->writeShort(short(typeWord));
+      own->writeInt(count);
+      write(own);
+      sxiFileAccess::entryComplete(own);
+    }
+  }
+  if (entry) entry->writeInt(own ? own->getDirNum() : -1);
+  return own;
+}
+
+sxArray* sxArray::readRef(sxFile* file, sxEntry* entry) {
+  if (!file || !entry) return nullptr;
+  int n = entry->readInt();
+  sxEntry* target = n >= 0 ? file->getEntry(n) : nullptr;
+  // Only an array's own entry stands for an array.
+  if (!target || !sxiFileAccess::isArrayTag(file, target->getTag())) return nullptr;
+  if (const void* h = target->getHandle())
+    return const_cast<sxArray*>(static_cast<const sxArray*>(h));
+  if (!file->readEntry(target)) return nullptr;
+  std::uint16_t word = std::uint16_t(target->readShort());
+  int num = target->readInt();
+  DATA_TYPE type = DATA_TYPE(word & typeMask);
+  int es = getElemSize(type);
+  if (es < 1 || num < 0) return nullptr;
+  // The elements must be in the entry before they are allocated.
+  if (std::int64_t(num) * es > std::int64_t(target->getDataSize()) - target->getCursor())
+    return nullptr;
+  auto* array = new sxArray(num, type);
+  if (!array) return nullptr;
+  sxiFileAccess::hold(file, array);
+  target->setHandle(array);
+  array->read(target);
+  if (word & dynamicBit) array->enableDynamic(true);
+  return array;
+}

@@ -1,0 +1,267 @@
+#include <sx/object/sxMemory.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+
+#include <climits>
+#include <cstring>
+
+#include "persist/sxByteOrder.h"
+
+namespace {
+
+// The first write to an entry allocates this much; later writes grow the
+// buffer to their end plus this much.
+constexpr int growthStep = 1024;
+
+inline int alignUp(int at, int align) {
+  return (at + align - 1) & ~(align - 1);
+}
+
+}  // namespace
+
+sxEntry::sxEntry(int t)
+    : magic(nativeMagic),
+      capacity(0),
+      cursor(0),
+      byteSwapped(false),
+      tag(t),
+      offset(-1),
+      compression(NO_COMPRESSION),
+      dataSize(0),
+      data(nullptr),
+      handle(nullptr),
+      dirNum(-1),
+      version(0),
+      owner(nullptr),
+      slot(-1) {}
+
+sxEntry::~sxEntry() {
+  freeData();
+}
+
+void sxEntry::freeData() {
+  sxMemory::free(data);
+  data = nullptr;
+  capacity = 0;
+}
+
+void sxEntry::setHandle(const void* object) {
+  const void* old = handle;
+  handle = object;
+  if (owner) owner->handleChanged(this, old);
+}
+
+void sxEntry::setData(const void* p, int n) {
+  if (!p) {
+    freeData();
+    return;
+  }
+  if (n < 0) n = 0;
+  if (n > capacity || !data) {
+    auto* fresh = static_cast<unsigned char*>(sxMemory::calloc(1, std::size_t(n ? n : 1)));
+    if (!fresh) return;
+    freeData();
+    data = fresh;
+    capacity = n;
+  }
+  std::memmove(data, p, std::size_t(n));
+  magic = nativeMagic;
+  byteSwapped = false;
+  dataSize = n;
+}
+
+bool sxEntry::reserve(int at, int n, bool doubled) {
+  if (at < 0 || n < 0) return false;
+  long long end = (long long)at + n;
+  long long reach = doubled ? end + n : end;
+  if (end > INT_MAX - growthStep) return false;
+  if (!data) {
+    data = static_cast<unsigned char*>(sxMemory::calloc(1, growthStep));
+    if (!data) return false;
+    capacity = growthStep;
+  }
+  if (reach < capacity) return true;
+  int grown = int(end) + growthStep;
+  auto* fresh = static_cast<unsigned char*>(sxMemory::realloc(data, std::size_t(grown)));
+  if (!fresh) return false;
+  // The new room is zero, so that alignment padding is written as zeros.
+  if (grown > capacity) std::memset(fresh + capacity, 0, std::size_t(grown - capacity));
+  data = fresh;
+  capacity = grown;
+  return true;
+}
+
+void sxEntry::noteEnd(int end) {
+  cursor = end;
+  if (end > dataSize) dataSize = end;
+}
+
+void sxEntry::trim() {
+  if (!data || capacity <= dataSize) return;
+  int keep = dataSize > 0 ? dataSize : 1;
+  auto* fresh = static_cast<unsigned char*>(sxMemory::malloc(std::size_t(keep)));
+  if (!fresh) return;
+  std::memcpy(fresh, data, std::size_t(keep));
+  sxMemory::free(data);
+  data = fresh;
+  capacity = keep;
+}
+
+void sxEntry::writeAligned(int align, const void* p, int size) {
+  int at = alignUp(cursor, align);
+  if (!reserve(at, size, false)) return;
+  std::memcpy(data + at, p, std::size_t(size));
+  noteEnd(at + size);
+}
+
+void sxEntry::writeByte(unsigned char v) {
+  writeAligned(1, &v, 1);
+}
+void sxEntry::writeShort(short v) {
+  writeAligned(1, &v, 2);
+}
+void sxEntry::writeInt(int v) {
+  writeAligned(4, &v, 4);
+}
+void sxEntry::writeBool(bool v) {
+  writeInt(v ? 1 : 0);
+}
+void sxEntry::writeFloat(float v) {
+  writeAligned(4, &v, 4);
+}
+void sxEntry::writeDouble(double v) {
+  writeAligned(8, &v, 8);
+}
+
+// Elements of 4 bytes stay aligned once the first is, so a run of them is
+// one copy.
+void sxEntry::writeInts(const int* v, int n) {
+  if (!v || n <= 0 || n > INT_MAX / 4) return;
+  writeAligned(4, v, n * 4);
+}
+void sxEntry::writeFloats(const float* v, int n) {
+  if (!v || n <= 0 || n > INT_MAX / 4) return;
+  writeAligned(4, v, n * 4);
+}
+
+void sxEntry::writeString(const char* s) {
+  if (!s) return;
+  std::size_t n = std::strlen(s) + 1;
+  if (n > std::size_t(INT_MAX / 2)) return;
+  writeChunk(s, int(n));
+}
+
+void sxEntry::writeChunk(const void* p, int n) {
+  if (!p || n <= 0 || n > INT_MAX / 2) return;
+  if (!reserve(cursor, n, true)) return;
+  std::memcpy(data + cursor, p, std::size_t(n));
+  noteEnd(cursor + n);
+}
+
+// The end test looks at the cursor before alignment; a value that would
+// then reach past the data counts as past the end too, so that no reader
+// ever touches bytes outside the data.
+int sxEntry::readPosition(int align, int size) const {
+  if (!data || cursor >= dataSize || cursor < 0) return -1;
+  int at = alignUp(cursor, align);
+  if (at > dataSize - size) return -1;
+  return at;
+}
+
+void sxEntry::readSwapped(int at, void* out, int size) {
+  std::memcpy(out, data + at, std::size_t(size));
+  if (byteSwapped && size > 1) sxiByteOrder::swapInPlace(out, size);
+  cursor = at + size;
+}
+
+int sxEntry::readByte() {
+  int at = readPosition(1, 1);
+  if (at < 0) return -1;
+  cursor = at + 1;
+  return data[at];
+}
+
+short sxEntry::readShort() {
+  short v = -1;
+  int at = readPosition(1, 2);
+  if (at >= 0) readSwapped(at, &v, 2);
+  return v;
+}
+
+int sxEntry::readInt() {
+  int v = -1;
+  int at = readPosition(4, 4);
+  if (at >= 0) readSwapped(at, &v, 4);
+  return v;
+}
+
+bool sxEntry::readBool() {
+  return readInt() != 0;
+}
+
+float sxEntry::readFloat() {
+  float v = -1.0f;
+  int at = readPosition(4, 4);
+  if (at >= 0) readSwapped(at, &v, 4);
+  return v;
+}
+
+double sxEntry::readDouble() {
+  double v = -1.0;
+  int at = readPosition(8, 8);
+  if (at >= 0) readSwapped(at, &v, 8);
+  return v;
+}
+
+// A run of 4-byte values that lies wholly within the data is one copy;
+// otherwise each element is read on its own, past the end as -1.
+template <class T>
+void sxEntry::readRun(T* out, int n) {
+  if (!out || n <= 0) return;
+  int at = n <= INT_MAX / 4 ? readPosition(4, n * 4) : -1;
+  if (at < 0) {
+    for (int i = 0; i < n; ++i) {
+      T v = T(-1);
+      int p = readPosition(4, 4);
+      if (p >= 0) readSwapped(p, &v, 4);
+      out[i] = v;
+    }
+    return;
+  }
+  std::memcpy(out, data + at, std::size_t(n) * 4);
+  if (byteSwapped)
+    for (int i = 0; i < n; ++i) sxiByteOrder::swapInPlace(out + i, 4);
+  cursor = at + n * 4;
+}
+
+void sxEntry::readInts(int* out, int n) {
+  readRun(out, n);
+}
+
+void sxEntry::readFloats(float* out, int n) {
+  readRun(out, n);
+}
+
+int sxEntry::readString(char* dst, int len) {
+  if (!dst || len < 0 || !data || cursor < 0 || cursor >= dataSize) return -1;
+  int available = dataSize - cursor;
+  int take = len < available ? len : available;
+  const char* src = reinterpret_cast<const char*>(data + cursor);
+  int copied = 0;
+  while (copied < take && src[copied]) {
+    dst[copied] = src[copied];
+    ++copied;
+  }
+  if (copied < len) std::memset(dst + copied, 0, std::size_t(len - copied));
+  cursor = len > INT_MAX - cursor ? INT_MAX : cursor + len;
+  return take;
+}
+
+int sxEntry::readChunk(void* dst, int n) {
+  if (!dst || n < 0 || !data || cursor < 0 || cursor >= dataSize) return -1;
+  int available = dataSize - cursor;
+  int take = n < available ? n : available;
+  std::memcpy(dst, data + cursor, std::size_t(take));
+  cursor += take;
+  return take;
+}

@@ -1,0 +1,85 @@
+#pragma once
+
+#include <sx/object/sxMemory.h>
+
+#include <cstdint>
+#include <functional>
+#include <unordered_map>
+#include <vector>
+
+class sxArray;
+class sxBase;
+class sxEntry;
+class sxFile;
+class sxType;
+
+// The on-disk records of a scene file.
+struct sxiFileHeader {
+  std::uint32_t magic;
+  std::uint32_t version;
+  std::uint32_t reserved0;
+  unsigned char reserved1[60];
+  std::int32_t numEntries;
+  std::int32_t numTags;
+  unsigned char reserved2[16];
+};
+static_assert(sizeof(sxiFileHeader) == 96, "the header is 96 bytes");
+
+struct sxiFileTag {
+  std::uint32_t index;
+  char name[64];
+};
+static_assert(sizeof(sxiFileTag) == 68, "a tag record is 68 bytes");
+
+// Private bookkeeping of an sxFile.
+struct sxiFileState {
+  using HandleMap =
+      std::unordered_map<const void*, sxEntry*, std::hash<const void*>, std::equal_to<const void*>,
+                         sxAllocator<std::pair<const void* const, sxEntry*>>>;
+  // Entries by handle. Built on the first search by handle and kept up to
+  // date afterwards; while two entries share a handle the search is linear,
+  // so that the last of them is found.
+  HandleMap byHandle;
+  bool indexed = false;
+  bool ambiguous = false;
+
+  // What each tag names, resolved on first use while reading.
+  struct TagInfo {
+    sxType* type = nullptr;
+    bool resolved = false;
+  };
+  std::vector<TagInfo, sxAllocator<TagInfo>> tagInfo;
+  int arrayTag = -2;  // the tag of shared arrays; -2 until looked up
+
+  // Read-ahead over the data blocks, which readers visit nearly in file
+  // order, so that loading an entry rarely costs a system call.
+  unsigned char* buffer = nullptr;
+  std::int64_t bufferStart = 0;
+  std::size_t bufferLength = 0;
+  std::int64_t fileSize = 0;
+
+  // Everything made while reading is held by the file until it closes, so
+  // that no entry's handle can outlive its object while reading goes on,
+  // however the classes' readers treat what they get. Closing releases the
+  // holds: what nobody else took is destroyed.
+  std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
+  std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
+
+  ~sxiFileState() { sxMemory::free(buffer); }
+  void dropBuffer() { bufferLength = 0; }
+};
+
+// Library-internal services of sxFile for the object and array readers.
+struct sxiFileAccess {
+  // True when `tag` is the tag of shared arrays ("sxArray").
+  static bool isArrayTag(sxFile* file, int tag);
+  // A new instance of the class that `tag` names, or null; the class is
+  // looked up once per tag.
+  static sxBase* createForTag(sxFile* file, int tag);
+  // Called when an entry has been written completely: its buffer shrinks
+  // to its data, so that a file of many entries holds no unused room.
+  static void entryComplete(sxEntry* entry);
+  // Records an object or array made while reading (see heldObjects).
+  static void hold(sxFile* file, sxBase* obj);
+  static void hold(sxFile* file, sxArray* array);
+};
