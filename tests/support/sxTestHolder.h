@@ -1,0 +1,23 @@
+#pragma once
+
+#include <sx/containers/sxArray.h>
+#include <sx/object/sxBase.h>
+
+// A test class that refers to a shared array: the sxBase fields, then the
+// array as a reference.
+class sxTestHolder : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxTestHolder)
+  sxTestHolder();
+  sxTestHolder(const sxTestHolder& source);
+  ~sxTestHolder() override;
+
+  sxEntry* read(sxFile* file, sxEntry* entry) override;
+  sxEntry* write(sxFile* file, sxEntry* entry) const override;
+
+  void setArray(sxArray* a);
+  sxArray* getArray() const { return array; }
+
+ private:
+  sxArray* array = nullptr;
+};
