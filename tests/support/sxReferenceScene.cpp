@@ -254,8 +254,8 @@ int checkSceneFile(const char* path, bool& swapped, std::string& out) {
     if (!a || a->getType() != t || a->getNum() != numArrayElements) continue;
     bool all = true;
     for (int i = 0; i < numArrayElements; ++i) all = all && elementMatches(a, i);
-    r.check(all, sxArray::DATA_TYPE(t) == sxArray::TYPE_DOUBLE ? "double array values"
-                                                                : "array values");
+    r.check(all,
+            sxArray::DATA_TYPE(t) == sxArray::TYPE_DOUBLE ? "double array values" : "array values");
     r.check(a->isDynamic() == (t == sxArray::TYPE_VEC3), "array dynamic flag");
   }
   auto* vec3Holder = dynamic_cast<sxTestHolder*>((*attributes)[sxArray::TYPE_VEC3]);

@@ -71,6 +71,8 @@ class SX_API sxArray {
   void setSize(unsigned bytes);
   void enableDynamic(bool enable);
   bool isDynamic() const { return (typeWord & dynamicBit) != 0; }
+  // True for the array part of an sxGrowableArray.
+  bool isGrowable() const { return growable; }
   void* getData() { return data; }
   const void* getData() const { return data; }
 

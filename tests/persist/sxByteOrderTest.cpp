@@ -1,0 +1,52 @@
+#include <gtest/gtest.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+
+#include <cstdlib>
+#include <string>
+
+#include "support/sxReferenceScene.h"
+
+// Files that a big-endian machine (s390x) really wrote, read here; the CI
+// step .ci/bigendian.sh also hands in freshly written ones through
+// SXCORE_BIGENDIAN_DIR and checks the reverse direction on s390x.
+namespace {
+
+void checkDirectory(const std::string& dir, bool writtenBigEndian) {
+  bool expectSwapped = writtenBigEndian != sxReference::isBigEndian();
+  std::string report;
+  bool swapped = !expectSwapped;
+  EXPECT_EQ(sxReference::checkPrimitiveFile((dir + "/" + sxReference::primitiveFileName).c_str(),
+                                            swapped, report),
+            0)
+      << report;
+  EXPECT_EQ(swapped, expectSwapped);
+  swapped = !expectSwapped;
+  EXPECT_EQ(sxReference::checkSceneFile((dir + "/" + sxReference::sceneFileName).c_str(), swapped,
+                                        report),
+            0)
+      << report;
+  EXPECT_EQ(swapped, expectSwapped);
+}
+
+TEST(ByteOrder, FilesWrittenOnABigEndianMachine) {
+  checkDirectory(std::string(SXCORE_TEST_DATA) + "/s390x", true);
+  if (const char* fresh = std::getenv("SXCORE_BIGENDIAN_DIR")) checkDirectory(fresh, true);
+}
+
+TEST(ByteOrder, FilesWrittenOnALittleEndianMachine) {
+  checkDirectory(std::string(SXCORE_TEST_DATA) + "/x86_64", false);
+}
+
+// The file's order and each entry's own order are told apart: an entry
+// whose directory magic is in the other order is read swapped even in a
+// native file.
+TEST(ByteOrder, EntryOrderIsPerEntry) {
+  std::string dir = std::string(SXCORE_TEST_DATA) + "/s390x";
+  sxFile be;
+  ASSERT_TRUE(be.open((dir + "/" + sxReference::primitiveFileName).c_str(), "r"));
+  sxEntry* swappedEntry = be.getEntry(0);
+  EXPECT_EQ(swappedEntry->isByteSwapped(), !sxReference::isBigEndian());
+}
+
+}  // namespace

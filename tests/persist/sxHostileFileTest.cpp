@@ -1,0 +1,307 @@
+#include <gtest/gtest.h>
+#include <sx/containers/sxArray.h>
+#include <sx/nodes/sxGroup.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+#include <sx/persist/sxLoader.h>
+
+#include <string>
+#include <vector>
+
+#include "support/sxTestFiles.h"
+#include "support/sxTestHolder.h"
+
+// Damaged and hostile files: each gives its error code or a null result,
+// never an access out of bounds, a hang, a leak or a crash (the suite also
+// runs under AddressSanitizer).
+namespace {
+
+// Opens the bytes as a file, loads every entry and imports the root.
+void readEverything(const std::string& path) {
+  sxFile f;
+  if (f.open(path.c_str(), "r")) {
+    for (int i = 0; i < f.getNumEntries(); ++i) f.readEntry(f.getEntry(i));
+  }
+  if (sxBase* root = sxLoader::importFile(path.c_str())) {
+    root->ref();
+    root->unRef();
+  }
+}
+
+// A file with a root object (entry 0) whose record is given by `fill`,
+// one more plain object (entry 1) and an array entry (entry 2).
+template <class Fill>
+std::string handMade(const sxTempDir& dir, const char* name, Fill fill) {
+  std::string path = dir.file(name);
+  sxFile f;
+  f.create(path.c_str());
+  int base = f.newTag("sxBase");
+  int array = f.newTag("sxArray");
+  sxEntry* root = f.newEntry(base);
+  fill(root);
+  sxEntry* plain = f.newEntry(base);
+  plain->writeInt(6);
+  plain->writeString("plain");
+  plain->writeShort(0);
+  plain->writeInt(0);
+  sxEntry* a = f.newEntry(array);
+  a->writeShort(sxArray::TYPE_INT);
+  a->writeInt(2);
+  a->writeInt(11);
+  a->writeInt(22);
+  f.write();
+  return path;
+}
+
+// The root's name, flags and attribute references.
+auto rootWithReferences(std::vector<int> refs) {
+  return [refs](sxEntry* e) {
+    e->writeInt(5);
+    e->writeString("root");
+    e->writeShort(0);
+    e->writeInt(int(refs.size()));
+    for (int r : refs) e->writeInt(r);
+  };
+}
+
+int numAttributes(const sxBase* obj) {
+  return obj->getAttribList() ? obj->getAttribList()->getNum() : 0;
+}
+
+TEST(HostileFiles, EveryTruncationOfARealFile) {
+  sxTempDir dir;
+  sxTestHolder::initClass();
+  sxGroup* g = new sxGroup;
+  g->ref();
+  g->setName("g");
+  auto* h = new sxTestHolder;
+  h->setArray(new sxArray(50, sxArray::TYPE_VEC3));
+  g->addAttribute(h);
+  g->addAttribute(g);
+  ASSERT_TRUE(sxLoader::exportFile(g, dir.file("full.sx").c_str()));
+  g->unRef();
+  std::vector<unsigned char> bytes = sxReadBytes(dir.file("full.sx"));
+  for (std::size_t n = 0; n < bytes.size(); n += (n < 1200 ? 1 : 7)) {
+    std::vector<unsigned char> cut(bytes.begin(), bytes.begin() + long(n));
+    sxWriteBytes(dir.file("cut.sx"), cut);
+    sxFile f;
+    bool opened = f.open(dir.file("cut.sx").c_str(), "r");
+    if (n == 0) {
+      EXPECT_EQ(f.getLastError(), sxFile::ERR_EMPTY);
+    }
+    if (n > 0 && n < 96 + 2 * 68 + 3 * 24) {
+      EXPECT_FALSE(opened) << n;
+      EXPECT_EQ(f.getLastError(), sxFile::ERR_READ) << n;
+    }
+    if (opened) {
+      for (int i = 0; i < f.getNumEntries(); ++i)
+        if (!f.readEntry(f.getEntry(i))) {
+          EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
+        }
+    }
+    f.close();
+    readEverything(dir.file("cut.sx"));
+  }
+}
+
+TEST(HostileFiles, DamagedHeadersAndTables) {
+  sxTempDir dir;
+  std::string path = handMade(dir, "base.sx", rootWithReferences({1}));
+  std::vector<unsigned char> good = sxReadBytes(path);
+  auto openDamaged = [&](std::size_t at, std::uint32_t value) {
+    std::vector<unsigned char> bytes = good;
+    sxPut32(bytes, at, value);
+    sxWriteBytes(dir.file("bad.sx"), bytes);
+    sxFile f;
+    bool ok = f.open(dir.file("bad.sx").c_str(), "r");
+    readEverything(dir.file("bad.sx"));
+    return ok ? sxFile::ERR_NONE : f.getLastError();
+  };
+  EXPECT_EQ(openDamaged(0, 0x12345678), sxFile::ERR_MAGIC);
+  EXPECT_EQ(openDamaged(72, 0), sxFile::ERR_READ) << "no entries";
+  EXPECT_EQ(openDamaged(72, 0x7FFFFFFF), sxFile::ERR_READ) << "huge entry count";
+  EXPECT_EQ(openDamaged(72, 0x80000000), sxFile::ERR_READ) << "negative entry count";
+  EXPECT_EQ(openDamaged(76, 0x7FFFFFFF), sxFile::ERR_READ) << "huge tag count";
+  EXPECT_EQ(openDamaged(96 + 68, 5), sxFile::ERR_READ) << "tag index not its position";
+
+  // Directory records: tag indices past the table, offsets and sizes past
+  // the end of the file, a negative offset. The file opens; the entries
+  // fail to load or read as null objects.
+  std::size_t dirAt = 96 + 2 * 68;
+  EXPECT_EQ(openDamaged(dirAt + 24 + 4, 77), sxFile::ERR_NONE);
+  EXPECT_EQ(openDamaged(dirAt + 24 + 8, 0x7FFFFF00), sxFile::ERR_NONE);
+  EXPECT_EQ(openDamaged(dirAt + 24 + 8, 0xFFFFFF00), sxFile::ERR_NONE);
+  EXPECT_EQ(openDamaged(dirAt + 24 + 16, 0x7FFFFFFF), sxFile::ERR_NONE);
+  EXPECT_EQ(openDamaged(dirAt + 24 + 12, 1), sxFile::ERR_NONE) << "raw data taken as a stream";
+
+  std::vector<unsigned char> bytes = good;
+  sxPut32(bytes, dirAt + 24 + 8, 0x7FFFFF00);
+  sxWriteBytes(dir.file("offset.sx"), bytes);
+  sxFile f;
+  ASSERT_TRUE(f.open(dir.file("offset.sx").c_str(), "r"));
+  EXPECT_FALSE(f.readEntry(f.getEntry(1)));
+  EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
+  sxBase* root = sxLoader::importFile(dir.file("offset.sx").c_str());
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(numAttributes(root), 0) << "the unreadable object reads as null";
+  root->ref();
+  root->unRef();
+}
+
+TEST(HostileFiles, RunLengthStreamsThatOverrun) {
+  sxTempDir dir;
+  auto streamFile = [&](std::vector<unsigned char> stream, std::uint32_t dataSize) {
+    std::string path = handMade(dir, "rle.sx", rootWithReferences({}));
+    std::vector<unsigned char> bytes = sxReadBytes(path);
+    std::size_t dirAt = 96 + 2 * 68;
+    std::uint32_t offset = std::uint32_t(bytes.size());
+    sxPut32(bytes, offset, std::uint32_t(stream.size()));
+    bytes.insert(bytes.end(), stream.begin(), stream.end());
+    sxPut32(bytes, dirAt + 24 + 8, offset);
+    sxPut32(bytes, dirAt + 24 + 12, 1);
+    sxPut32(bytes, dirAt + 24 + 16, dataSize);
+    sxWriteBytes(path, bytes);
+    sxFile f;
+    EXPECT_TRUE(f.open(path.c_str(), "r"));
+    bool ok = f.readEntry(f.getEntry(1));
+    EXPECT_EQ(ok ? sxFile::ERR_NONE : f.getLastError(), ok ? sxFile::ERR_NONE : sxFile::ERR_READ);
+    if (ok) {
+      EXPECT_EQ(f.getEntry(1)->getDataSize(), int(dataSize));
+    }
+    return ok;
+  };
+  EXPECT_TRUE(streamFile({4, 'a', 2, 'b', 0}, 6));
+  EXPECT_FALSE(streamFile({200, 'a', 200, 'b', 0}, 300)) << "decodes past the data";
+  EXPECT_FALSE(streamFile({4, 'a', 2, 'b'}, 6)) << "no end mark";
+  EXPECT_FALSE(streamFile({4, 'a', 2}, 6)) << "cut within a pair";
+  EXPECT_FALSE(streamFile({4, 'a', 0}, 0x7FFFFFFF)) << "cannot fill the claimed size";
+  EXPECT_TRUE(streamFile({2, 'a', 0}, 4)) << "a short stream leaves zeros";
+}
+
+TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
+  sxTempDir dir;
+  // References out of range and to the array's entry read as null.
+  std::string path = handMade(dir, "refs.sx", rootWithReferences({1, 3, -7, 2, 0x7FFFFFFF, 1}));
+  sxBase* root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  ASSERT_EQ(numAttributes(root), 2);
+  EXPECT_EQ((*root->getAttribList())[0], (*root->getAttribList())[1]);
+  root->ref();
+  root->unRef();
+
+  // A name length past the entry: that object reads as null.
+  path = handMade(dir, "name.sx", rootWithReferences({1}));
+  std::vector<unsigned char> bytes = sxReadBytes(path);
+  std::size_t dirAt = 96 + 2 * 68;
+  sxPut32(bytes, sxGet32(bytes, dirAt + 24 + 8), 1000000);
+  sxWriteBytes(path, bytes);
+  root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(numAttributes(root), 0);
+  root->ref();
+  root->unRef();
+
+  // A huge attribute count ends with the data.
+  path = handMade(dir, "count.sx", [](sxEntry* e) {
+    e->writeInt(0);
+    e->writeShort(0);
+    e->writeInt(0x7FFFFFFF);
+    e->writeInt(1);
+  });
+  root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(numAttributes(root), 1);
+  root->ref();
+  root->unRef();
+}
+
+// An array reference to an object's entry, an object reference to an
+// array's entry, an array of an unknown type or with more elements than its
+// entry holds.
+TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
+  sxTempDir dir;
+  sxTestHolder::initClass();
+  std::string path = dir.file("confused.sx");
+  {
+    sxFile f;
+    f.create(path.c_str());
+    int holder = f.newTag("sxTestHolder");
+    int array = f.newTag("sxArray");
+    sxEntry* root = f.newEntry(holder);
+    root->writeInt(0);
+    root->writeShort(0);
+    root->writeInt(4);
+    for (int r : {1, 2, 3, 4}) root->writeInt(r);
+    root->writeInt(0);  // its array: entry 0 is an object
+    for (int i = 0; i < 4; ++i) {
+      // Holders whose array references point at entries 5 (unknown type),
+      // 6 (too many elements), 0 (an object) and 7 (a good array).
+      sxEntry* h = f.newEntry(holder);
+      h->writeInt(0);
+      h->writeShort(0);
+      h->writeInt(0);
+      h->writeInt(i == 0 ? 5 : i == 1 ? 6 : i == 2 ? 0 : 7);
+    }
+    sxEntry* unknown = f.newEntry(array);
+    unknown->writeShort(12);
+    unknown->writeInt(1);
+    unknown->writeInt(0);
+    sxEntry* tooMany = f.newEntry(array);
+    tooMany->writeShort(sxArray::TYPE_VEC4);
+    tooMany->writeInt(0x10000000);
+    tooMany->writeInt(0);
+    sxEntry* good = f.newEntry(array);
+    good->writeShort(short(sxArray::TYPE_INT | 0x8000));
+    good->writeInt(1);
+    good->writeInt(42);
+    ASSERT_TRUE(f.write());
+  }
+  sxBase* root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  root->ref();
+  auto* typed = dynamic_cast<sxTestHolder*>(root);
+  ASSERT_NE(typed, nullptr);
+  EXPECT_EQ(typed->getArray(), nullptr);
+  ASSERT_EQ(numAttributes(root), 4);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_EQ(static_cast<sxTestHolder*>((*root->getAttribList())[i])->getArray(), nullptr) << i;
+  sxArray* a = static_cast<sxTestHolder*>((*root->getAttribList())[3])->getArray();
+  ASSERT_NE(a, nullptr);
+  EXPECT_TRUE(a->isDynamic());
+  EXPECT_EQ(static_cast<int*>(a->getData())[0], 42);
+  EXPECT_EQ(a->getRefCount(), 1);
+  root->unRef();
+}
+
+// A chain of references deeper than the reader follows: the rest reads as
+// null instead of exhausting the stack.
+TEST(HostileFiles, DeepReferenceChains) {
+  sxTempDir dir;
+  std::string path = dir.file("deep.sx");
+  const int length = 20000;
+  {
+    sxFile f;
+    f.create(path.c_str());
+    int base = f.newTag("sxBase");
+    for (int i = 0; i < length; ++i) {
+      sxEntry* e = f.newEntry(base);
+      e->writeInt(0);
+      e->writeShort(0);
+      e->writeInt(1);
+      e->writeInt(i + 1 < length ? i + 1 : 0);
+    }
+    ASSERT_TRUE(f.write());
+  }
+  sxBase* root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  int depth = 0;
+  for (const sxBase* o = root; o && numAttributes(o) == 1; o = (*o->getAttribList())[0]) {
+    if (++depth > length) break;
+  }
+  EXPECT_GT(depth, 1000);
+  EXPECT_LT(depth, length);
+  root->ref();
+  root->unRef();
+}
+
+}  // namespace

@@ -1,0 +1,285 @@
+#include <gtest/gtest.h>
+#include <sx/kernel/sxKernel.h>
+#include <sx/nodes/sxGroup.h>
+#include <sx/object/sxPlugIn.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+#include <sx/persist/sxLoader.h>
+
+#include <signal.h>
+#include <sys/resource.h>
+
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "support/sxTestFiles.h"
+#include "support/sxTestHolder.h"
+
+namespace {
+
+// Access to the protected error message of the loader layer.
+struct LoaderAccess : sxLoader {
+  using sxLoader::setErrorMessage;
+};
+
+// Restores the save directory on leaving a test.
+struct SaveDirectory {
+  explicit SaveDirectory(const char* dir) { sxLoader::setSaveDirectory(dir); }
+  ~SaveDirectory() { sxLoader::setSaveDirectory(nullptr); }
+};
+
+// Collects the lines of the message channel.
+std::string messages;
+void collect(char* text) {
+  messages += text;
+}
+
+sxGroup* makeGroup(const char* name) {
+  auto* g = new sxGroup;
+  g->ref();
+  g->setName(name);
+  return g;
+}
+
+TEST(Loader, ExportAndImportAGroup) {
+  sxTempDir dir;
+  sxGroup* g = makeGroup("scene root");
+  g->addAttribute(makeGroup("child"));
+  std::string base = dir.file("scene");
+  ASSERT_TRUE(sxLoader::exportFile(g, base.c_str()));
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);
+  EXPECT_TRUE(std::filesystem::exists(base + ".sx")) << "groups get the extension sx";
+  EXPECT_EQ(dir.count(), 1) << "no temporary file is left";
+  ASSERT_TRUE(sxLoader::exportFile(g, (base + ".SX").c_str()));
+  EXPECT_TRUE(std::filesystem::exists(base + ".SX"));
+  EXPECT_EQ(sxReadBytes(base + ".sx"), sxReadBytes(base + ".SX"));
+
+  sxBase* back = sxLoader::importFile((base + ".sx").c_str());
+  ASSERT_NE(back, nullptr);
+  EXPECT_TRUE(back->isOfExactType(sxGroup::getClassType()));
+  EXPECT_STREQ(back->getName(), "scene root");
+  EXPECT_EQ(back->getRefCount(), 0) << "handed over unreferenced";
+  ASSERT_NE(back->getAttribList(), nullptr);
+  EXPECT_STREQ((*back->getAttribList())[0]->getName(), "child");
+  EXPECT_EQ((*back->getAttribList())[0]->getRefCount(), 1) << "the file let go of it";
+  back->ref();
+  back->unRef();
+  sxGroup* typed = sxGroup::import((base + ".sx").c_str());
+  ASSERT_NE(typed, nullptr);
+  EXPECT_STREQ(typed->getName(), "scene root");
+  typed->ref();
+  typed->unRef();
+  EXPECT_EQ(sxTestHolder::import((base + ".sx").c_str()), nullptr) << "not of that class";
+
+  // The file lists the plug-ins of the writing process in "sxPlugIns".
+  sxFile f;
+  ASSERT_TRUE(f.open((base + ".sx").c_str(), "r"));
+  sxEntry* plugIns = f.findEntry("sxPlugIns");
+  ASSERT_NE(plugIns, nullptr);
+  EXPECT_EQ(plugIns->getVersion(), sxGetVersion());
+  g->unRef();
+}
+
+TEST(Loader, SaveDirectoryAndFileTypes) {
+  sxTempDir dir;
+  std::filesystem::create_directory(dir.file("out"));
+  SaveDirectory save(dir.file("out").c_str());
+  EXPECT_EQ(std::string(sxLoader::getSaveDirectory()), dir.file("out") + "/");
+  sxGroup* g = makeGroup("g");
+  ASSERT_TRUE(sxLoader::exportFile(g, "a.sx"));
+  EXPECT_TRUE(std::filesystem::exists(dir.file("out/a.sx")));
+
+  // A non-group class needs a file type, also when an extension is given.
+  sxTestHolder::initClass();
+  auto* h = new sxTestHolder;
+  h->ref();
+  EXPECT_FALSE(sxLoader::exportFile(h, "h.sx"));
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_FILE_TYPE);
+  int before = sxLoader::getNumSolmaxFileTypes();
+  ASSERT_TRUE(sxLoader::addSolmaxFileType(sxTestHolder::getClassType(), "sxh"));
+  EXPECT_FALSE(sxLoader::addSolmaxFileType(sxTestHolder::getClassType(), "other"));
+  EXPECT_FALSE(sxLoader::addSolmaxFileType(sxGroup::getClassType(), "SXH"));
+  EXPECT_EQ(sxLoader::getNumSolmaxFileTypes(), before + 1);
+  EXPECT_STREQ(sxLoader::getSolmaxFileType(before), "sxh");
+  EXPECT_EQ(sxLoader::getSolmaxFileType(before + 1), nullptr);
+  ASSERT_TRUE(sxLoader::exportFile(h, "holder"));
+  EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.sxh")));
+  ASSERT_TRUE(sxLoader::exportFile(h, "holder.bin"));
+  EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.bin")));
+
+  // A save directory that does not exist: the file cannot be created.
+  sxLoader::setSaveDirectory(dir.file("missing").c_str());
+  EXPECT_FALSE(sxLoader::exportFile(g, "a"));
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
+  sxLoader::setSaveDirectory(nullptr);
+  EXPECT_STREQ(sxLoader::getSaveDirectory(), "");
+  EXPECT_FALSE(sxLoader::exportFile(nullptr, dir.file("none").c_str()));
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
+  h->unRef();
+  g->unRef();
+}
+
+TEST(Loader, ImportErrors) {
+  sxTempDir dir;
+  EXPECT_EQ(sxLoader::importFile(dir.file("missing.sx").c_str()), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
+  EXPECT_EQ(sxLoader::importFile(nullptr), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
+
+  sxGroup* g = makeGroup("g");
+  ASSERT_TRUE(sxLoader::exportFile(g, dir.file("g.sx").c_str()));
+  std::filesystem::copy_file(dir.file("g.sx"), dir.file("noext"));
+  EXPECT_EQ(sxLoader::importFile(dir.file("noext").c_str()), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_EXTENSION);
+  std::filesystem::create_directory(dir.file("d.dir"));
+  std::filesystem::copy_file(dir.file("g.sx"), dir.file("d.dir/noext"));
+  EXPECT_EQ(sxLoader::importFile(dir.file("d.dir/noext").c_str()), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_EXTENSION) << "a dot in a directory";
+
+  sxWriteBytes(dir.file("text.txt"), std::vector<unsigned char>(200, 'a'));
+  EXPECT_EQ(sxLoader::importFile(dir.file("text.txt").c_str()), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
+
+  // Entry 0 of a class that does not exist.
+  {
+    sxFile f;
+    ASSERT_TRUE(f.create(dir.file("alien.sx").c_str()));
+    f.newEntry(f.newTag("sxNoSuchClass"))->writeInt(0);
+    ASSERT_TRUE(f.write());
+  }
+  EXPECT_EQ(sxLoader::importFile(dir.file("alien.sx").c_str()), nullptr);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
+
+  // The search path finds files by bare name.
+  sxAddFilePath(dir.path.c_str());
+  sxBase* found = sxLoader::importFile("g.sx");
+  sxDeleteFilePaths();
+  ASSERT_NE(found, nullptr);
+  EXPECT_STREQ(found->getName(), "g");
+  found->ref();
+  found->unRef();
+  g->unRef();
+}
+
+// An export that fails leaves an existing file as it was; the limit on the
+// file size makes the data write fail after the header went out.
+TEST(Loader, FailedExportLeavesTheTargetUntouched) {
+  sxTempDir dir;
+  std::string path = dir.file("kept.sx");
+  sxGroup* small = makeGroup("small");
+  ASSERT_TRUE(sxLoader::exportFile(small, path.c_str()));
+  std::vector<unsigned char> before = sxReadBytes(path);
+
+  sxGroup* big = makeGroup("big");
+  for (int i = 0; i < 200; ++i) big->addAttribute(new sxBase);
+  struct sigaction ignore {
+  }, old{};
+  ignore.sa_handler = SIG_IGN;
+  sigaction(SIGXFSZ, &ignore, &old);
+  rlimit limit{}, saved{};
+  getrlimit(RLIMIT_FSIZE, &saved);
+  limit.rlim_cur = 2000;
+  limit.rlim_max = saved.rlim_max;
+  setrlimit(RLIMIT_FSIZE, &limit);
+  bool exported = sxLoader::exportFile(big, path.c_str());
+  setrlimit(RLIMIT_FSIZE, &saved);
+  sigaction(SIGXFSZ, &old, nullptr);
+
+  EXPECT_FALSE(exported);
+  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
+  EXPECT_EQ(sxReadBytes(path), before);
+  EXPECT_EQ(dir.count(), 1) << "the temporary file is removed";
+  ASSERT_TRUE(sxLoader::exportFile(big, path.c_str()));
+  EXPECT_GT(sxReadBytes(path).size(), 2000u);
+  big->unRef();
+  small->unRef();
+}
+
+TEST(Loader, ErrorMessageKeepsItsFirstCallBehaviour) {
+  const char* initial = sxLoader::getErrorMessage();
+  LoaderAccess::setErrorMessage("first");
+  if (!initial) {
+    EXPECT_STREQ(sxLoader::getErrorMessage(), "") << "the first call only creates";
+  }
+  LoaderAccess::setErrorMessage("second");
+  EXPECT_STREQ(sxLoader::getErrorMessage(), "second");
+  LoaderAccess::setErrorMessage(nullptr);
+  EXPECT_STREQ(sxLoader::getErrorMessage(), "");
+}
+
+// The plug-in list: the records that are saved with files, and loading
+// them again when reading.
+TEST(Loader, PlugInListInSceneFiles) {
+  sxTempDir dir;
+  std::string path = dir.file("plugins.sx");
+  sxGroup* g = makeGroup("g");
+  {
+    sxPlugIn record("c:\\modules\\sxTestMissing-dbg.dll");
+    record.setName("Test plug-in");
+    record.setCompany("Tests");
+    record.setRelease(3, 4, 5, "Nov 22 2026");
+    sxPlugIn unsaved("sxTestUnsaved.dll");
+    unsaved.enableSaveWithFile(false);
+    ASSERT_TRUE(sxLoader::exportFile(g, path.c_str()));
+  }
+  sxFile f;
+  ASSERT_TRUE(f.open(path.c_str(), "r"));
+  sxEntry* e = f.findEntry("sxPlugIns");
+  ASSERT_TRUE(e && f.readEntry(e));
+  int saved = 0;
+  for (int i = 0; i < sxPlugIn::getNum(); ++i)
+    if (sxPlugIn::get(i)->isSaveWithFileEnabled()) ++saved;
+  EXPECT_EQ(e->readInt(), saved + 1) << "the kernel and unsaved records are left out";
+  std::string found;
+  for (int r = 0; r < saved + 1; ++r) {
+    char text[4][64] = {};
+    for (int s = 0; s < 4; ++s) {
+      int n = e->readInt();
+      ASSERT_LT(n, 64);
+      if (n > 0) e->readString(text[s], n);
+    }
+    int release[3];
+    e->readInts(release, 3);
+    if (std::strcmp(text[3], "SXTESTMISSING.DLL") != 0) continue;
+    found = text[1];
+    EXPECT_STREQ(text[0], "Tests");
+    EXPECT_STREQ(text[2], "Nov 22 2026");
+    EXPECT_EQ(release[0] * 100 + release[1] * 10 + release[2], 345);
+  }
+  EXPECT_EQ(found, "Test plug-in");
+  f.close();
+
+  // Reading loads the listed modules only when plug-in loading is on.
+  messages.clear();
+  sxMessageHandler(collect);
+  sxBase* back = sxLoader::importFile(path.c_str());
+  EXPECT_EQ(messages, "");
+  sxPlugIn::enableDynamicPlugIns(true);
+  sxBase* again = sxLoader::importFile(path.c_str());
+  sxPlugIn::enableDynamicPlugIns(false);
+  sxMessageHandler(nullptr);
+  EXPECT_NE(messages.find("Attempting to load plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
+  EXPECT_NE(messages.find("Error loading plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
+  ASSERT_TRUE(back && again);
+  EXPECT_STREQ(again->getName(), "g");
+  back->ref();
+  back->unRef();
+  again->ref();
+  again->unRef();
+  g->unRef();
+}
+
+TEST(Loader, LoadingAKnownModuleReturnsItsRecord) {
+  messages.clear();
+  sxMessageHandler(collect);
+  sxPlugIn* kernel = sxPlugIn::load("C:\\bin\\sxcore.dll");
+  sxMessageHandler(nullptr);
+  ASSERT_NE(kernel, nullptr);
+  EXPECT_STREQ(kernel->getName(), "Kernel");
+  EXPECT_EQ(messages, "") << "a known module is not announced";
+  EXPECT_EQ(sxPlugIn::load(nullptr), nullptr);
+}
+
+}  // namespace

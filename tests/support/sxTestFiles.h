@@ -1,0 +1,57 @@
+#pragma once
+
+#include <cstdint>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+#include <stdlib.h>
+
+// A fresh directory for one test, removed with everything in it.
+class sxTempDir {
+ public:
+  sxTempDir() {
+    std::string pattern = (std::filesystem::temp_directory_path() / "sxfilesXXXXXX").string();
+    std::vector<char> buf(pattern.begin(), pattern.end());
+    buf.push_back(0);
+    path = mkdtemp(buf.data()) ? buf.data() : "";
+  }
+  ~sxTempDir() {
+    std::error_code ec;
+    std::filesystem::remove_all(path, ec);
+  }
+  sxTempDir(const sxTempDir&) = delete;
+  sxTempDir& operator=(const sxTempDir&) = delete;
+
+  std::string file(const std::string& name) const { return path + "/" + name; }
+  int count() const {
+    int n = 0;
+    for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(path)) ++n;
+    return n;
+  }
+
+  std::string path;
+};
+
+inline std::vector<unsigned char> sxReadBytes(const std::string& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
+}
+
+inline void sxWriteBytes(const std::string& path, const std::vector<unsigned char>& bytes) {
+  std::ofstream out(path, std::ios::binary | std::ios::trunc);
+  out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+// Little-endian number access for building and inspecting files by hand.
+inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at) {
+  return std::uint32_t(b[at]) | std::uint32_t(b[at + 1]) << 8 | std::uint32_t(b[at + 2]) << 16 |
+         std::uint32_t(b[at + 3]) << 24;
+}
+inline void sxPut32(std::vector<unsigned char>& b, std::size_t at, std::uint32_t v) {
+  if (b.size() < at + 4) b.resize(at + 4);
+  for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
+}
