@@ -62,6 +62,19 @@ void* sxMemory::realloc(void* p, std::size_t size) {
   return q;
 }
 
+void* sxMemory::shrink(void* p, std::size_t size) {
+  std::size_t old = getSize(p);
+  if (!p || size == 0 || size >= old) return p;
+  void* q = std::realloc(p, size);
+  if (!q) return p;
+  std::size_t now = sxPlatform::usableSize(q);
+  if (now >= old)
+    mSize.fetch_add(now - old, std::memory_order_relaxed);
+  else
+    mSize.fetch_sub(old - now, std::memory_order_relaxed);
+  return q;
+}
+
 void sxMemory::free(void* p) {
   if (!p) return;
   mSize.fetch_sub(sxPlatform::usableSize(p), std::memory_order_relaxed);

@@ -97,14 +97,9 @@ void sxEntry::noteEnd(int end) {
 }
 
 void sxEntry::trim() {
-  if (!data || capacity <= dataSize) return;
-  int keep = dataSize > 0 ? dataSize : 1;
-  auto* fresh = static_cast<unsigned char*>(sxMemory::malloc(std::size_t(keep)));
-  if (!fresh) return;
-  std::memcpy(fresh, data, std::size_t(keep));
-  sxMemory::free(data);
-  data = fresh;
-  capacity = keep;
+  if (!data || capacity <= dataSize || dataSize < 1) return;
+  data = static_cast<unsigned char*>(sxMemory::shrink(data, std::size_t(dataSize)));
+  capacity = dataSize;
 }
 
 void sxEntry::writeAligned(int align, const void* p, int size) {

@@ -108,7 +108,6 @@ void sxFile::cleanUp() {
   for (sxEntry* e : entries) {
     e->owner = nullptr;
     e->~sxEntry();
-    sxMemory::free(e);
   }
   entries.setSize(0);
   for (sxiFileTag* t : tags) sxMemory::free(t);
@@ -120,6 +119,7 @@ void sxFile::cleanUp() {
     state->arrayTag = -2;
     state->dropBuffer();
     state->fileSize = 0;
+    state->releaseEntryBlocks();
   }
 }
 
@@ -212,7 +212,7 @@ bool sxFile::readTables() {
   entries.setSize(int(n));
   for (int i = 0; ok && i < n; ++i) {
     const unsigned char* r = raw + std::size_t(i) * directoryRecordSize;
-    void* place = sxMemory::malloc(sizeof(sxEntry));
+    void* place = state->allocateEntry(sizeof(sxEntry));
     if (!place) {
       ok = false;
       break;
@@ -329,12 +329,11 @@ int sxFile::addEntry(sxEntry* entry) {
 
 sxEntry* sxFile::newEntry(int tag) {
   if (!tags.indexInRange(tag)) return nullptr;
-  void* place = sxMemory::malloc(sizeof(sxEntry));
+  void* place = state->allocateEntry(sizeof(sxEntry));
   if (!place) return nullptr;
   auto* e = ::new (place) sxEntry(tag);
   if (addEntry(e) < 0) {
     e->~sxEntry();
-    sxMemory::free(e);
     return nullptr;
   }
   return e;
@@ -370,30 +369,21 @@ sxEntry* sxFile::findNextEntry(int tag, const sxEntry* after) const {
 void sxFile::handleChanged(sxEntry* entry, const void* old) {
   sxiFileState& s = *state;
   if (!s.indexed || s.ambiguous) return;
-  if (old) {
-    auto it = s.byHandle.find(old);
-    if (it != s.byHandle.end() && it->second == entry) s.byHandle.erase(it);
-  }
-  if (!entry->handle) return;
-  auto [it, added] = s.byHandle.try_emplace(entry->handle, entry);
-  if (!added && it->second != entry) s.ambiguous = true;
+  if (old) s.byHandle.remove(old, entry);
+  if (entry->handle && !s.byHandle.add(entry->handle, entry) &&
+      s.byHandle.find(entry->handle) != entry)
+    s.ambiguous = true;
 }
 
 sxEntry* sxFile::findEntry(const void* handle) const {
   sxiFileState& s = *state;
   if (handle && !s.indexed) {
     s.byHandle.reserve(std::size_t(entries.getNum()));
-    for (sxEntry* e : entries) {
-      if (!e->handle) continue;
-      auto [it, added] = s.byHandle.try_emplace(e->handle, e);
-      if (!added) s.ambiguous = true;
-    }
+    for (sxEntry* e : entries)
+      if (e->handle && !s.byHandle.add(e->handle, e)) s.ambiguous = true;
     s.indexed = true;
   }
-  if (handle && !s.ambiguous) {
-    auto it = s.byHandle.find(handle);
-    return it == s.byHandle.end() ? nullptr : it->second;
-  }
+  if (handle && !s.ambiguous) return s.byHandle.find(handle);
   for (int i = entries.getNum() - 1; i >= 0; --i)
     if (entries[i]->handle == handle) return entries[i];
   return nullptr;
@@ -404,17 +394,14 @@ bool sxFile::removeEntry(sxEntry* entry) {
   // An entry is destroyed even when it is not in this file; it then leaves
   // the file that does list it, which would otherwise keep a dangling one.
   if (sxFile* f = entry->owner) {
-    if (f->state->indexed && entry->handle) {
-      auto it = f->state->byHandle.find(entry->handle);
-      if (it != f->state->byHandle.end() && it->second == entry) f->state->byHandle.erase(it);
-    }
+    if (f->state->indexed && entry->handle) f->state->byHandle.remove(entry->handle, entry);
     int slot = entry->slot;
     f->entries.removeIndex(slot);
     if (f->entries.indexInRange(slot)) f->entries[slot]->slot = slot;
   }
+  // Its memory goes with the blocks of the file that made it.
   entry->owner = nullptr;
   entry->~sxEntry();
-  sxMemory::free(entry);
   return true;
 }
 

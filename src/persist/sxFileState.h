@@ -3,9 +3,9 @@
 #include <sx/object/sxMemory.h>
 
 #include <cstdint>
-#include <functional>
-#include <unordered_map>
 #include <vector>
+
+#include "persist/sxHandleIndex.h"
 
 class sxArray;
 class sxBase;
@@ -33,13 +33,10 @@ static_assert(sizeof(sxiFileTag) == 68, "a tag record is 68 bytes");
 
 // Private bookkeeping of an sxFile.
 struct sxiFileState {
-  using HandleMap =
-      std::unordered_map<const void*, sxEntry*, std::hash<const void*>, std::equal_to<const void*>,
-                         sxAllocator<std::pair<const void* const, sxEntry*>>>;
   // Entries by handle. Built on the first search by handle and kept up to
   // date afterwards; while two entries share a handle the search is linear,
   // so that the last of them is found.
-  HandleMap byHandle;
+  sxiHandleIndex byHandle;
   bool indexed = false;
   bool ambiguous = false;
 
@@ -65,7 +62,31 @@ struct sxiFileState {
   std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
 
-  ~sxiFileState() { sxMemory::free(buffer); }
+  // Entries are carved from blocks that live until the file is closed,
+  // rather than allocated one by one: a scene has an entry per object.
+  std::vector<void*, sxAllocator<void*>> entryBlocks;
+  std::size_t entriesInBlock = 0;
+  static constexpr std::size_t entriesPerBlock = 1024;
+
+  void* allocateEntry(std::size_t size) {
+    if (entryBlocks.empty() || entriesInBlock == entriesPerBlock) {
+      void* block = sxMemory::malloc(size * entriesPerBlock);
+      if (!block) return nullptr;
+      entryBlocks.push_back(block);
+      entriesInBlock = 0;
+    }
+    return static_cast<char*>(entryBlocks.back()) + size * entriesInBlock++;
+  }
+  void releaseEntryBlocks() {
+    for (void* b : entryBlocks) sxMemory::free(b);
+    entryBlocks.clear();
+    entriesInBlock = 0;
+  }
+
+  ~sxiFileState() {
+    sxMemory::free(buffer);
+    releaseEntryBlocks();
+  }
   void dropBuffer() { bufferLength = 0; }
 };
 

@@ -34,6 +34,9 @@ class SX_API sxMemory {
   static void* calloc(std::size_t count, std::size_t size);
   // Never shrinks: returns p unchanged when its usable size already suffices.
   static void* realloc(void* p, std::size_t size);
+  // Gives the part of p beyond size back to the heap, in place where the
+  // heap can; returns the block (p itself, or p unchanged on failure).
+  static void* shrink(void* p, std::size_t size);
   static void free(void* p);
   // Usable size of p (0 for null).
   static std::size_t getSize(const void* p);
