@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/sxCycles.h"
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
 
@@ -24,6 +25,7 @@ void readEverything(const std::string& path) {
   }
   if (sxBase* root = sxLoader::importFile(path.c_str())) {
     root->ref();
+    if (root->getRefCount() > 1) sxKeepCycle(root);
     root->unRef();
   }
 }
@@ -77,7 +79,6 @@ TEST(HostileFiles, EveryTruncationOfARealFile) {
   auto* h = new sxTestHolder;
   h->setArray(new sxArray(50, sxArray::TYPE_VEC3));
   g->addAttribute(h);
-  g->addAttribute(g);
   ASSERT_TRUE(sxLoader::exportFile(g, dir.file("full.sx").c_str()));
   g->unRef();
   std::vector<unsigned char> bytes = sxReadBytes(dir.file("full.sx"));

@@ -46,7 +46,9 @@ sxGroup* makeGroup(const char* name) {
 TEST(Loader, ExportAndImportAGroup) {
   sxTempDir dir;
   sxGroup* g = makeGroup("scene root");
-  g->addAttribute(makeGroup("child"));
+  auto* child = new sxGroup;
+  child->setName("child");
+  g->addAttribute(child);
   std::string base = dir.file("scene");
   ASSERT_TRUE(sxLoader::exportFile(g, base.c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <string>
 
+#include "support/sxCycles.h"
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
 
@@ -121,6 +122,8 @@ TEST(ObjectPersistence, SharingAndCyclesSurvive) {
   EXPECT_STREQ(attribute(ra, 0)->getName(), "shared");
   EXPECT_EQ(attribute(ra, 0)->getRefCount(), 3) << "two owners and the open file";
   EXPECT_EQ(attribute(rt.root, 2), rt.root);
+  sxKeepCycle(rt.root);
+  sxKeepCycle(root);
   root->unRef();
 }
 

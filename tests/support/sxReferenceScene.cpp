@@ -11,6 +11,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "support/sxCycles.h"
 #include "support/sxTestHolder.h"
 
 namespace sxReference {
@@ -223,6 +224,7 @@ bool writeSceneFile(const char* path) {
   b->addAttribute(root);
   root->addAttribute(a);
   bool ok = sxLoader::exportFile(root, path);
+  sxKeepCycle(root);
   root->unRef();
   return ok;
 }
@@ -269,6 +271,7 @@ int checkSceneFile(const char* path, bool& swapped, std::string& out) {
   r.check(pong && pong->getAttribList() && pong->getAttribList()->getNum() == 2 &&
               (*pong->getAttribList())[0] == ping && (*pong->getAttribList())[1] == root,
           "cycle");
+  sxKeepCycle(root);
   root->unRef();
   return r.failures;
 }
