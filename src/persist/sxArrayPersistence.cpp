@@ -133,8 +133,11 @@ void sxArray::read(sxEntry* entry) {
     for (int i = 0; i < stored; ++i)
       readElement(entry, type, data + std::size_t(i) * std::size_t(es));
   }
-  for (int i = stored; i < count && entry->getCursor() < entry->getDataSize(); ++i)
+  for (int i = stored; i < count; ++i) {
+    int at = entry->getCursor();
     readElement(entry, type, nullptr);
+    if (entry->getCursor() == at) break;
+  }
 }
 
 sxEntry* sxArray::writeRef(sxFile* file, sxEntry* entry) const {

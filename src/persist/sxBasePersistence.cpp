@@ -98,10 +98,14 @@ sxEntry* sxBase::read(sxFile* file, sxEntry* entry) {
   if (!file->readEntry(entry) || !readName(this, entry)) return nullptr;
   flags = static_cast<unsigned short>(entry->readShort());
   int count = entry->readInt();
-  // A damaged count ends with the data instead of spinning through reads
-  // past the end.
-  for (int i = 0; i < count && entry->getCursor() < entry->getDataSize(); ++i)
-    addAttribute(readRef(file, entry));
+  // A damaged count ends with the data: once a reference can no longer be
+  // read, the rest would only be reads past the end.
+  for (int i = 0; i < count; ++i) {
+    int at = entry->getCursor();
+    sxBase* attribute = readRef(file, entry);
+    if (entry->getCursor() == at) break;
+    addAttribute(attribute);
+  }
   return entry;
 }
 

@@ -88,9 +88,11 @@ void sxPlugIn::loadPlugIns(sxFile* file) {
   // Files of releases before 1.2.0 need the classes of the former core.
   if (entry->getVersion() < sxMakeVersion(1, 2, 0)) load("sxAltCore.dll");
   int count = entry->readInt();
-  for (int i = 0; i < count && entry->getCursor() < entry->getDataSize(); ++i) {
+  for (int i = 0; i < count; ++i) {
+    int at = entry->getCursor();
     char* moduleName = readPlugIn(entry);
-    if (!moduleName) break;
+    if (!moduleName && entry->getCursor() == at) break;
+    if (!moduleName) continue;
     load(moduleName);
     sxMemory::free(moduleName);
   }

@@ -134,6 +134,7 @@ TEST(HostileFiles, DamagedHeadersAndTables) {
   EXPECT_EQ(openDamaged(dirAt + 24 + 8, 0xFFFFFF00), sxFile::ERR_NONE);
   EXPECT_EQ(openDamaged(dirAt + 24 + 16, 0x7FFFFFFF), sxFile::ERR_NONE);
   EXPECT_EQ(openDamaged(dirAt + 24 + 12, 1), sxFile::ERR_NONE) << "raw data taken as a stream";
+  EXPECT_EQ(openDamaged(dirAt + 24 + 12, 65536), sxFile::ERR_NONE) << "an unknown compression";
 
   std::vector<unsigned char> bytes = good;
   sxPut32(bytes, dirAt + 24 + 8, 0x7FFFFF00);
@@ -147,6 +148,29 @@ TEST(HostileFiles, DamagedHeadersAndTables) {
   EXPECT_EQ(numAttributes(root), 0) << "the unreadable object reads as null";
   root->ref();
   root->unRef();
+}
+
+// Inputs that the fuzzer found, kept as they were.
+TEST(HostileFiles, FuzzerFindings) {
+  // A compression code that is neither 0 nor 1 reads the data raw.
+  std::string path = std::string(SXCORE_TEST_DATA) + "/fuzz-compression-65536.sx";
+  sxFile f;
+  ASSERT_TRUE(f.open(path.c_str(), "r"));
+  bool found = false;
+  for (int i = 0; i < f.getNumEntries(); ++i) {
+    sxEntry* e = f.getEntry(i);
+    if (e->getCompression() != 65536) continue;
+    found = true;
+    EXPECT_TRUE(f.readEntry(e) || f.getLastError() == sxFile::ERR_READ);
+  }
+  EXPECT_TRUE(found);
+  readEverything(path);
+
+  // An attribute count larger than the references that follow, with the
+  // data ending inside the next aligned int: reading stops there.
+  testing::internal::CaptureStdout();
+  readEverything(std::string(SXCORE_TEST_DATA) + "/fuzz-attribute-count-hang.sx");
+  testing::internal::GetCapturedStdout();
 }
 
 TEST(HostileFiles, RunLengthStreamsThatOverrun) {
@@ -199,6 +223,22 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
   root = sxLoader::importFile(path.c_str());
   ASSERT_NE(root, nullptr);
   EXPECT_EQ(numAttributes(root), 0);
+  root->ref();
+  root->unRef();
+
+  // A huge attribute count ends with the data, also when the data end in
+  // the middle of an aligned int.
+  path = handMade(dir, "straddle.sx", [](sxEntry* e) {
+    e->writeInt(0);
+    e->writeShort(0);
+    e->writeInt(1000);
+    e->writeInt(1);
+    e->writeByte(0);
+    e->writeByte(0);
+  });
+  root = sxLoader::importFile(path.c_str());
+  ASSERT_NE(root, nullptr);
+  EXPECT_EQ(numAttributes(root), 1);
   root->ref();
   root->unRef();
 

@@ -13,9 +13,10 @@ class sxEntry;
 // looping or swinging back and forth. Automatic switches own one.
 class SX_API sxIterator {
  public:
-  enum MODE { TIME = 0, FRAMES = 1 };
-  enum DIRECTION { FORWARD = 0, BACKWARD = 1 };
-  enum CYCLE { ONCE = 0, LOOP = 1, SWING = 2 };
+  // Fixed underlying types: a file may hold any byte in these fields.
+  enum MODE : int { TIME = 0, FRAMES = 1 };
+  enum DIRECTION : int { FORWARD = 0, BACKWARD = 1 };
+  enum CYCLE : int { ONCE = 0, LOOP = 1, SWING = 2 };
 
   sxIterator() = default;
 

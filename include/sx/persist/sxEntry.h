@@ -16,7 +16,8 @@ class sxFile;
 // Entries are made only by sxFile.
 class SX_API sxEntry {
  public:
-  enum COMPRESSION { NO_COMPRESSION = 0, RUN_LENGTH = 1 };
+  // Any other value read from a file counts as no compression.
+  enum COMPRESSION : int { NO_COMPRESSION = 0, RUN_LENGTH = 1 };
 
   static constexpr std::uint32_t nativeMagic = 0xBA773265u;
   static constexpr std::uint32_t swappedMagic = 0x653277BAu;
