@@ -28,41 +28,37 @@ int floatsPerElement(sxArray::DATA_TYPE type) {
   }
 }
 
+// One number of an element, through the entry's writer or reader.
+template <class T>
+void put(sxEntry* entry, const unsigned char* e, void (sxEntry::*writer)(T)) {
+  T v;
+  std::memcpy(&v, e, sizeof v);
+  (entry->*writer)(v);
+}
+template <class T>
+void get(sxEntry* entry, unsigned char* e, T (sxEntry::*reader)()) {
+  T v = (entry->*reader)();
+  std::memcpy(e, &v, sizeof v);
+}
+
 // One element at e (zero bytes for null), in its type's encoding. Byte
 // triples and quadruples are raw bytes and never swapped.
 void writeElement(sxEntry* entry, sxArray::DATA_TYPE type, const unsigned char* e) {
   static const unsigned char zero[16] = {};
   if (!e) e = zero;
   switch (type) {
-    case sxArray::TYPE_USHORT: {
-      short v;
-      std::memcpy(&v, e, sizeof v);
-      entry->writeShort(v);
-      break;
-    }
+    case sxArray::TYPE_USHORT:
+      return put<short>(entry, e, &sxEntry::writeShort);
     case sxArray::TYPE_UBYTEVEC3:
     case sxArray::TYPE_UBYTEVEC4:
-      entry->writeChunk(e, sxArray::getElemSize(type));
-      break;
-    case sxArray::TYPE_INT: {
-      int v;
-      std::memcpy(&v, e, sizeof v);
-      entry->writeInt(v);
-      break;
-    }
-    case sxArray::TYPE_DOUBLE: {
-      double v;
-      std::memcpy(&v, e, sizeof v);
-      entry->writeDouble(v);
-      break;
-    }
-    default: {
-      float v[4];
-      int k = floatsPerElement(type);
-      std::memcpy(v, e, std::size_t(k) * sizeof(float));
-      entry->writeFloats(v, k);
-      break;
-    }
+      return entry->writeChunk(e, sxArray::getElemSize(type));
+    case sxArray::TYPE_INT:
+      return put<int>(entry, e, &sxEntry::writeInt);
+    case sxArray::TYPE_DOUBLE:
+      return put<double>(entry, e, &sxEntry::writeDouble);
+    default:
+      for (int k = 0; k < floatsPerElement(type); ++k)
+        put<float>(entry, e + 4 * k, &sxEntry::writeFloat);
   }
 }
 
@@ -71,32 +67,19 @@ void readElement(sxEntry* entry, sxArray::DATA_TYPE type, unsigned char* e) {
   unsigned char scratch[16];
   if (!e) e = scratch;
   switch (type) {
-    case sxArray::TYPE_USHORT: {
-      short v = entry->readShort();
-      std::memcpy(e, &v, sizeof v);
-      break;
-    }
+    case sxArray::TYPE_USHORT:
+      return get<short>(entry, e, &sxEntry::readShort);
     case sxArray::TYPE_UBYTEVEC3:
     case sxArray::TYPE_UBYTEVEC4:
       entry->readChunk(e, sxArray::getElemSize(type));
-      break;
-    case sxArray::TYPE_INT: {
-      int v = entry->readInt();
-      std::memcpy(e, &v, sizeof v);
-      break;
-    }
-    case sxArray::TYPE_DOUBLE: {
-      double v = entry->readDouble();
-      std::memcpy(e, &v, sizeof v);
-      break;
-    }
-    default: {
-      float v[4];
-      int k = floatsPerElement(type);
-      entry->readFloats(v, k);
-      std::memcpy(e, v, std::size_t(k) * sizeof(float));
-      break;
-    }
+      return;
+    case sxArray::TYPE_INT:
+      return get<int>(entry, e, &sxEntry::readInt);
+    case sxArray::TYPE_DOUBLE:
+      return get<double>(entry, e, &sxEntry::readDouble);
+    default:
+      for (int k = 0; k < floatsPerElement(type); ++k)
+        get<float>(entry, e + 4 * k, &sxEntry::readFloat);
   }
 }
 

@@ -176,36 +176,29 @@ int sxEntry::readByte() {
   return data[at];
 }
 
+// A number of `size` bytes at its alignment, or the end-of-data value.
+template <class T>
+T sxEntry::readNumber(int align, T endValue) {
+  T v = endValue;
+  int at = readPosition(align, int(sizeof(T)));
+  if (at >= 0) readSwapped(at, &v, int(sizeof(T)));
+  return v;
+}
+
 short sxEntry::readShort() {
-  short v = -1;
-  int at = readPosition(1, 2);
-  if (at >= 0) readSwapped(at, &v, 2);
-  return v;
+  return readNumber<short>(1, -1);
 }
-
 int sxEntry::readInt() {
-  int v = -1;
-  int at = readPosition(4, 4);
-  if (at >= 0) readSwapped(at, &v, 4);
-  return v;
+  return readNumber<int>(4, -1);
 }
-
 bool sxEntry::readBool() {
   return readInt() != 0;
 }
-
 float sxEntry::readFloat() {
-  float v = -1.0f;
-  int at = readPosition(4, 4);
-  if (at >= 0) readSwapped(at, &v, 4);
-  return v;
+  return readNumber<float>(4, -1.0f);
 }
-
 double sxEntry::readDouble() {
-  double v = -1.0;
-  int at = readPosition(8, 8);
-  if (at >= 0) readSwapped(at, &v, 8);
-  return v;
+  return readNumber<double>(8, -1.0);
 }
 
 // A run of 4-byte values that lies wholly within the data is one copy;

@@ -174,24 +174,25 @@ TEST(File, EntriesByHandle) {
   sxFile f;
   int t = f.newTag("T");
   int objects[3];
+  auto find = [&](int i) { return f.findEntry(static_cast<const void*>(&objects[i])); };
   sxEntry* a = f.newEntry(t);
   a->setHandle(&objects[0]);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[0])), a);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[1])), nullptr);
+  EXPECT_EQ(find(0), a);
+  EXPECT_EQ(find(1), nullptr);
   sxEntry* b = f.newEntry(t);
   b->setHandle(&objects[1]);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[1])), b);
+  EXPECT_EQ(find(1), b);
   b->setHandle(&objects[2]);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[1])), nullptr);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[2])), b);
+  EXPECT_EQ(find(1), nullptr);
+  EXPECT_EQ(find(2), b);
   // Two entries of one handle: the last in the directory is found.
   sxEntry* c = f.newEntry(t);
   c->setHandle(&objects[0]);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[0])), c);
+  EXPECT_EQ(find(0), c);
   f.removeEntry(c);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[0])), a);
+  EXPECT_EQ(find(0), a);
   f.removeEntry(a);
-  EXPECT_EQ(f.findEntry(static_cast<const void*>(&objects[0])), nullptr);
+  EXPECT_EQ(find(0), nullptr);
 }
 
 TEST(File, TagNamesAreCutTo63Characters) {

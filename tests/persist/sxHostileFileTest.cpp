@@ -70,6 +70,17 @@ int numAttributes(const sxBase* obj) {
   return obj->getAttribList() ? obj->getAttribList()->getNum() : 0;
 }
 
+// Imports the file and returns the number of attributes its root read, or
+// -1 when there is no root.
+int importedAttributes(const std::string& path) {
+  sxBase* root = sxLoader::importFile(path.c_str());
+  if (!root) return -1;
+  int n = numAttributes(root);
+  root->ref();
+  root->unRef();
+  return n;
+}
+
 TEST(HostileFiles, EveryTruncationOfARealFile) {
   sxTempDir dir;
   sxTestHolder::initClass();
@@ -143,11 +154,7 @@ TEST(HostileFiles, DamagedHeadersAndTables) {
   ASSERT_TRUE(f.open(dir.file("offset.sx").c_str(), "r"));
   EXPECT_FALSE(f.readEntry(f.getEntry(1)));
   EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
-  sxBase* root = sxLoader::importFile(dir.file("offset.sx").c_str());
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(numAttributes(root), 0) << "the unreadable object reads as null";
-  root->ref();
-  root->unRef();
+  EXPECT_EQ(importedAttributes(dir.file("offset.sx")), 0) << "the unreadable object reads as null";
 }
 
 // Inputs that the fuzzer found, kept as they were.
@@ -220,11 +227,7 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
   std::size_t dirAt = 96 + 2 * 68;
   sxPut32(bytes, sxGet32(bytes, dirAt + 24 + 8), 1000000);
   sxWriteBytes(path, bytes);
-  root = sxLoader::importFile(path.c_str());
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(numAttributes(root), 0);
-  root->ref();
-  root->unRef();
+  EXPECT_EQ(importedAttributes(path), 0);
 
   // A huge attribute count ends with the data, also when the data end in
   // the middle of an aligned int.
@@ -236,11 +239,7 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
     e->writeByte(0);
     e->writeByte(0);
   });
-  root = sxLoader::importFile(path.c_str());
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(numAttributes(root), 1);
-  root->ref();
-  root->unRef();
+  EXPECT_EQ(importedAttributes(path), 1);
 
   // A huge attribute count ends with the data.
   path = handMade(dir, "count.sx", [](sxEntry* e) {
@@ -249,11 +248,7 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
     e->writeInt(0x7FFFFFFF);
     e->writeInt(1);
   });
-  root = sxLoader::importFile(path.c_str());
-  ASSERT_NE(root, nullptr);
-  EXPECT_EQ(numAttributes(root), 1);
-  root->ref();
-  root->unRef();
+  EXPECT_EQ(importedAttributes(path), 1);
 }
 
 // An array reference to an object's entry, an object reference to an

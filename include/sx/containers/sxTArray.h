@@ -3,30 +3,17 @@
 #include <sx/containers/sxArray.h>
 
 // The element type code of T. Specialised for the element types the
-// library knows; a value type of matching size opts in with its own
-// specialisation next to its definition, for example
-//     template <> struct sxArrayElement<sxVec3> {
-//       static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_VEC3;
-//     };
+// library knows; a value type of matching size opts in next to its own
+// definition with SX_ARRAY_ELEMENT(sxVec3, sxArray::TYPE_VEC3).
 template <class T>
 struct sxArrayElement;
 
-template <>
-struct sxArrayElement<unsigned short> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_USHORT;
-};
-template <>
-struct sxArrayElement<int> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_INT;
-};
-template <>
-struct sxArrayElement<float> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_FLOAT;
-};
-template <>
-struct sxArrayElement<double> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_DOUBLE;
-};
+#define SX_ARRAY_ELEMENT(T, code)                                                             \
+  template <>                                                                                 \
+  struct sxArrayElement<T> {                                                                  \
+    static constexpr sxArray::DATA_TYPE type = code;                                          \
+    static_assert(sizeof(T) == sxArray::getElemSize(code), "element type of the wrong size"); \
+  }
 
 // The raw element layouts, for code that needs them without the math types.
 struct sxArrayUByte3 {
@@ -44,26 +31,16 @@ struct sxArrayFloat3 {
 struct sxArrayFloat4 {
   float v[4];
 };
-template <>
-struct sxArrayElement<sxArrayUByte3> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_UBYTEVEC3;
-};
-template <>
-struct sxArrayElement<sxArrayUByte4> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_UBYTEVEC4;
-};
-template <>
-struct sxArrayElement<sxArrayFloat2> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_VEC2;
-};
-template <>
-struct sxArrayElement<sxArrayFloat3> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_VEC3;
-};
-template <>
-struct sxArrayElement<sxArrayFloat4> {
-  static constexpr sxArray::DATA_TYPE type = sxArray::TYPE_VEC4;
-};
+
+SX_ARRAY_ELEMENT(unsigned short, sxArray::TYPE_USHORT);
+SX_ARRAY_ELEMENT(sxArrayUByte3, sxArray::TYPE_UBYTEVEC3);
+SX_ARRAY_ELEMENT(sxArrayUByte4, sxArray::TYPE_UBYTEVEC4);
+SX_ARRAY_ELEMENT(int, sxArray::TYPE_INT);
+SX_ARRAY_ELEMENT(float, sxArray::TYPE_FLOAT);
+SX_ARRAY_ELEMENT(sxArrayFloat2, sxArray::TYPE_VEC2);
+SX_ARRAY_ELEMENT(sxArrayFloat3, sxArray::TYPE_VEC3);
+SX_ARRAY_ELEMENT(sxArrayFloat4, sxArray::TYPE_VEC4);
+SX_ARRAY_ELEMENT(double, sxArray::TYPE_DOUBLE);
 
 // A thin typed view of an array's elements. It holds no reference; the
 // array must outlive it. A view of an array of another element type (or of
@@ -74,9 +51,7 @@ class sxTArray {
   static constexpr sxArray::DATA_TYPE dataType = sxArrayElement<T>::type;
 
   explicit sxTArray(sxArray* array = nullptr)
-      : array(array && array->getType() == dataType ? array : nullptr) {
-    static_assert(sizeof(T) == sxArray::getElemSize(dataType), "element type of the wrong size");
-  }
+      : array(array && array->getType() == dataType ? array : nullptr) {}
 
   sxArray* getArray() const { return array; }
   bool isValid() const { return array != nullptr; }

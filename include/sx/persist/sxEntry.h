@@ -90,6 +90,8 @@ class SX_API sxEntry {
   void writeAligned(int align, const void* p, int size);
   template <class T>
   void readRun(T* out, int n);
+  template <class T>
+  T readNumber(int align, T endValue);
   // Shrinks the buffer to the data once an entry is complete.
   void trim();
   void freeData();
