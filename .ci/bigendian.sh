@@ -38,7 +38,7 @@ mkdir -p "$work/be" "$work/le"
 echo "== s390x writes, x86-64 reads"
 be write "$work/be"
 le check "$work/be" expect-swapped
-SXCORE_BIGENDIAN_DIR="$work/be" "$host/tests/persist/sxTest_persist" --gtest_filter='ByteOrder*'
+SXCORE_BIGENDIAN_DIR="$work/be" "$host/tests/sxTest_persist" --gtest_filter='ByteOrder*'
 
 echo "== x86-64 writes, s390x reads"
 le write "$work/le"

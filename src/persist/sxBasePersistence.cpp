@@ -9,7 +9,6 @@
 #include <cstring>
 
 #include "persist/sxFileState.h"
-#include "persist/sxReadDepth.h"
 
 namespace {
 
@@ -41,18 +40,24 @@ bool readName(sxBase* obj, sxEntry* entry) {
   return true;
 }
 
+// A new entry for obj, tagged with its class's name.
+sxEntry* newEntryFor(const sxBase* obj, sxFile* file) {
+  sxType* type = obj->getType();
+  sxEntry* entry = type ? file->newEntry(file->newTag(type->getName())) : nullptr;
+  if (!entry) return nullptr;
+  entry->setHandle(obj);
+  entry->setVersion(type->getVersion());
+  return entry;
+}
+
 }  // namespace
 
 sxEntry* sxBase::write(sxFile* file, sxEntry* entry) const {
   if (!file) return nullptr;
   sxEntry* created = nullptr;
   if (!entry) {
-    sxType* type = getType();
-    if (!type) return nullptr;
-    created = entry = file->newEntry(file->newTag(type->getName()));
+    created = entry = newEntryFor(this, file);
     if (!entry) return nullptr;
-    entry->setHandle(this);
-    entry->setVersion(type->getVersion());
   }
   if (name) {
     int length = int(std::strlen(name)) + 1;
@@ -73,18 +78,34 @@ sxEntry* sxBase::write(sxFile* file, sxEntry* entry) const {
   return created;
 }
 
+// Writes the fields of objects whose entries were made too deep down.
+static void writeDeferred(sxFile* file, sxiFileState& s) {
+  for (std::size_t i = 0; i < s.deferredWrites.size(); ++i) {
+    auto [obj, entry] = s.deferredWrites[i];
+    obj->write(file, entry);
+    sxiFileAccess::entryComplete(entry);
+  }
+  s.deferredWrites.clear();
+}
+
 sxEntry* sxBase::writeRef(sxFile* file, sxEntry* entry) const {
   if (!file) return nullptr;
   if (!isWritableObject(this)) {
     if (entry) entry->writeInt(-1);
     return nullptr;
   }
+  sxiFileState& s = sxiFileAccess::state(file);
+  sxiNesting nesting(s.writeNesting);
   sxEntry* own = file->findEntry(static_cast<const void*>(this));
-  if (!own) {
+  if (!own && nesting.tooDeep()) {
+    own = newEntryFor(this, file);
+    if (own) s.deferredWrites.emplace_back(this, own);
+  } else if (!own) {
     own = write(file, nullptr);
     sxiFileAccess::entryComplete(own);
   }
   if (entry) entry->writeInt(own ? own->getDirNum() : -1);
+  if (nesting.outermost()) writeDeferred(file, s);
   return own;
 }
 
@@ -109,6 +130,15 @@ sxEntry* sxBase::read(sxFile* file, sxEntry* entry) {
   return entry;
 }
 
+// Reads the fields of objects that were made too deep down.
+static void readDeferred(sxFile* file, sxiFileState& s) {
+  for (std::size_t i = 0; i < s.deferredReads.size(); ++i) {
+    auto [obj, entry] = s.deferredReads[i];
+    obj->read(file, entry);
+  }
+  s.deferredReads.clear();
+}
+
 sxBase* sxBase::readRef(sxFile* file, sxEntry* entry) {
   if (!file || !entry) return nullptr;
   int n = entry->readInt();
@@ -117,15 +147,20 @@ sxBase* sxBase::readRef(sxFile* file, sxEntry* entry) {
   if (!target || sxiFileAccess::isArrayTag(file, target->getTag())) return nullptr;
   if (const void* h = target->getHandle())
     return const_cast<sxBase*>(static_cast<const sxBase*>(h));
-  sxiReadDepth depth;
-  if (!depth.allowed()) return nullptr;
   sxBase* obj = sxiFileAccess::createForTag(file, target->getTag());
   if (!obj) return nullptr;
   sxiFileAccess::hold(file, obj);
   target->setHandle(obj);
-  if (obj->read(file, target)) return obj;
+  sxiFileState& s = sxiFileAccess::state(file);
+  sxiNesting nesting(s.readNesting);
+  if (nesting.tooDeep()) {
+    s.deferredReads.emplace_back(obj, target);
+    return obj;
+  }
+  bool ok = obj->read(file, target) != nullptr;
   // A record that cannot be read gives no object; the half-read one goes
   // when the file closes, unless something read meanwhile (a cycle) took it.
-  target->setHandle(nullptr);
-  return nullptr;
+  if (!ok) target->setHandle(nullptr);
+  if (nesting.outermost()) readDeferred(file, s);
+  return ok ? obj : nullptr;
 }

@@ -12,7 +12,6 @@
 
 #include "persist/sxByteOrder.h"
 #include "persist/sxFileState.h"
-#include "persist/sxReadDepth.h"
 #include "persist/sxRunLength.h"
 #include "platform/sxPlatform.h"
 
@@ -120,6 +119,8 @@ void sxFile::cleanUp() {
     state->dropBuffer();
     state->fileSize = 0;
     state->releaseEntryBlocks();
+    state->deferredWrites.clear();
+    state->deferredReads.clear();
   }
 }
 
@@ -558,8 +559,10 @@ void sxiFileAccess::hold(sxFile* file, sxArray* array) {
   file->state->heldArrays.push_back(array);
 }
 
+sxiFileState& sxiFileAccess::state(sxFile* file) {
+  return *file->state;
+}
+
 void sxiFileAccess::entryComplete(sxEntry* entry) {
   if (entry) entry->trim();
 }
-
-thread_local int sxiReadDepth::depth = 0;

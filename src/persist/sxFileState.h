@@ -62,6 +62,20 @@ struct sxiFileState {
   std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
 
+  // Objects are written and read depth-first, one level of recursion per
+  // reference. Past maxNesting levels an object's entry is still made (or
+  // its instance, when reading) where it is first reached, so that entry
+  // numbers and sharing stay as they are, but its fields are written (or
+  // read) afterwards by the outermost reference, so that a deep chain of
+  // references cannot exhaust the stack.
+  static constexpr int maxNesting = 1000;
+  int writeNesting = 0;
+  int readNesting = 0;
+  std::vector<std::pair<const sxBase*, sxEntry*>, sxAllocator<std::pair<const sxBase*, sxEntry*>>>
+      deferredWrites;
+  std::vector<std::pair<sxBase*, sxEntry*>, sxAllocator<std::pair<sxBase*, sxEntry*>>>
+      deferredReads;
+
   // Entries are carved from blocks that live until the file is closed,
   // rather than allocated one by one: a scene has an entry per object.
   std::vector<void*, sxAllocator<void*>> entryBlocks;
@@ -90,6 +104,20 @@ struct sxiFileState {
   void dropBuffer() { bufferLength = 0; }
 };
 
+// Counts one level of nesting for its lifetime.
+class sxiNesting {
+ public:
+  explicit sxiNesting(int& counter) : counter(counter) { ++counter; }
+  ~sxiNesting() { --counter; }
+  sxiNesting(const sxiNesting&) = delete;
+  sxiNesting& operator=(const sxiNesting&) = delete;
+  bool outermost() const { return counter == 1; }
+  bool tooDeep() const { return counter > sxiFileState::maxNesting; }
+
+ private:
+  int& counter;
+};
+
 // Library-internal services of sxFile for the object and array readers.
 struct sxiFileAccess {
   // True when `tag` is the tag of shared arrays ("sxArray").
@@ -103,4 +131,5 @@ struct sxiFileAccess {
   // Records an object or array made while reading (see heldObjects).
   static void hold(sxFile* file, sxBase* obj);
   static void hold(sxFile* file, sxArray* array);
+  static sxiFileState& state(sxFile* file);
 };

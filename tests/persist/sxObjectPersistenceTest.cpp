@@ -198,6 +198,35 @@ TEST(ObjectPersistence, UnknownClassesAndMissingEntriesReadAsNull) {
   root->unRef();
 }
 
+// A chain far deeper than writing and reading recurse keeps every object,
+// its fields and its sharing.
+TEST(ObjectPersistence, DeepChainsRoundTrip) {
+  const int length = 5000;
+  sxBase* root = make("0");
+  root->ref();
+  sxBase* last = root;
+  for (int i = 1; i < length; ++i) {
+    sxBase* next = make(std::to_string(i).c_str());
+    next->addAttribute(root);  // every object also refers back to the root
+    last->addAttribute(next);
+    last = next;
+  }
+  RoundTrip rt(root);
+  int n = 0;
+  for (const sxBase* o = rt.root; o; ++n) {
+    ASSERT_EQ(std::string(o->getName()), std::to_string(n));
+    if (n > 0) {
+      ASSERT_EQ(attribute(o, 0), rt.root);
+    }
+    o = attribute(o, n == 0 ? 0 : 1);
+  }
+  EXPECT_EQ(n, length);
+  EXPECT_EQ(rt.reader.getNumEntries(), length) << "each object once";
+  sxKeepCycle(rt.root);
+  sxKeepCycle(root);
+  root->unRef();
+}
+
 TEST(ObjectPersistence, ReadWithoutAnEntryTakesTheFirstOfItsClass) {
   sxTempDir dir;
   std::string path = dir.file("first.sx");
