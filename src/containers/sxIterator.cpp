@@ -110,8 +110,59 @@ int sxIterator::update() {
   return current;
 }
 
-// Individually set item times are not stored: reading refills the per-item
-// arrays from the totals or the per-item defaults.
+namespace {
+
+// The numbers of one kind of duration (float seconds or int frames) as the
+// entry's readers and writers store them.
+void put(sxEntry* e, float v) {
+  e->writeFloat(v);
+}
+void put(sxEntry* e, int v) {
+  e->writeInt(v);
+}
+void putRun(sxEntry* e, const float* v, int n) {
+  e->writeFloats(v, n);
+}
+void putRun(sxEntry* e, const int* v, int n) {
+  e->writeInts(v, n);
+}
+void get(sxEntry* e, float& v) {
+  v = e->readFloat();
+}
+void get(sxEntry* e, int& v) {
+  v = e->readInt();
+}
+
+}  // namespace
+
+// The total, the per-item default, and the per-item values with their
+// count.
+template <class T>
+void sxIterator::writeDurations(sxEntry* entry, const Durations<T>& d) {
+  put(entry, d.total);
+  put(entry, d.item);
+  entry->writeInt(d.perItem.size());
+  if (d.perItem.size() > 0) putRun(entry, d.perItem.values(), d.perItem.size());
+}
+
+template <class T>
+void sxIterator::readDurations(sxEntry* entry, Durations<T>& d) {
+  get(entry, d.total);
+  get(entry, d.item);
+  int n = entry->readInt();
+  // A damaged count reads no further than the data go.
+  int most = (entry->getDataSize() - entry->getCursor()) / 4;
+  if (n > most) n = most;
+  if (n <= 0 || !d.perItem.grow(n)) return;
+  for (int i = 0; i < n; ++i) {
+    T v;
+    get(entry, v);
+    d.perItem.set(i, v);
+  }
+}
+
+// Individually set item times are not kept: reading refills the per-item
+// values from the totals or the per-item defaults.
 void sxIterator::write(sxEntry* entry) const {
   if (!entry) return;
   entry->writeByte(paused);
@@ -120,26 +171,9 @@ void sxIterator::write(sxEntry* entry) const {
   entry->writeByte(direction);
   entry->writeInt(current);
   entry->writeInt(step);
-  entry->writeFloat(totalTime);
-  entry->writeFloat(itemTime);
-  entry->writeInt(itemTimes.size());
-  if (itemTimes.size() > 0) entry->writeFloats(itemTimes.values(), itemTimes.size());
-  entry->writeInt(totalFrames);
-  entry->writeInt(itemFrames);
-  entry->writeInt(itemFrameCounts.size());
-  if (itemFrameCounts.size() > 0)
-    entry->writeInts(itemFrameCounts.values(), itemFrameCounts.size());
+  writeDurations(entry, times);
+  writeDurations(entry, frames);
   entry->writeInt(numItems);
-}
-
-template <class T>
-void sxIterator::readItems(sxEntry* entry, Array<T>& items, T (sxEntry::*readOne)()) {
-  int n = entry->readInt();
-  // A damaged length reads no further than the data go.
-  int most = (entry->getDataSize() - entry->getCursor()) / 4;
-  if (n > most) n = most;
-  if (n <= 0 || !items.grow(n)) return;
-  for (int i = 0; i < n; ++i) items.set(i, (entry->*readOne)());
 }
 
 void sxIterator::read(sxEntry* entry) {
@@ -150,11 +184,7 @@ void sxIterator::read(sxEntry* entry) {
   direction = std::uint8_t(entry->readByte());
   current = entry->readInt();
   step = entry->readInt();
-  totalTime = entry->readFloat();
-  itemTime = entry->readFloat();
-  readItems(entry, itemTimes, &sxEntry::readFloat);
-  totalFrames = entry->readInt();
-  itemFrames = entry->readInt();
-  readItems(entry, itemFrameCounts, &sxEntry::readInt);
+  readDurations(entry, times);
+  readDurations(entry, frames);
   setNumItems(entry->readInt());
 }

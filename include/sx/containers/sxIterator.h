@@ -125,9 +125,11 @@ class SX_API sxIterator {
   };
 
   bool advance();  // false when the sequence ends
-  // A stored per-item array: its length, then the values.
+  // One kind of durations in a file record.
   template <class T>
-  static void readItems(sxEntry* entry, Array<T>& items, T (sxEntry::*readOne)());
+  static void writeDurations(sxEntry* entry, const Durations<T>& d);
+  template <class T>
+  static void readDurations(sxEntry* entry, Durations<T>& d);
 
   std::uint8_t paused = 0;
   std::uint8_t mode = TIME;
