@@ -145,6 +145,16 @@ TEST(Array, TypedView) {
   EXPECT_EQ(view.getNum(), 4);
   view[2].v[1] = 5.5f;
   EXPECT_EQ(static_cast<float*>(a.getData())[7], 5.5f);
+  sxTArray<sxVec3> vectors(&a);
+  ASSERT_TRUE(vectors.isValid());
+  EXPECT_EQ(vectors[2].y, 5.5f);
+  vectors[3] = sxVec3(1.0f, 2.0f, 3.0f);
+  EXPECT_EQ(static_cast<float*>(a.getData())[11], 3.0f);
+  sxArray colours(2, sxArray::TYPE_UBYTEVEC4);
+  sxTArray<sxUByteVec4> rgba(&colours);
+  rgba[1] = sxUByteVec4(1, 2, 3, 4);
+  EXPECT_EQ(static_cast<unsigned char*>(colours.getData())[7], 4);
+  EXPECT_FALSE(sxTArray<sxUByteVec3>(&colours).isValid());
   sxTArray<float> wrong(&a);
   EXPECT_FALSE(wrong.isValid());
   EXPECT_EQ(wrong.getNum(), 0);

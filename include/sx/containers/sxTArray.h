@@ -1,6 +1,10 @@
 #pragma once
 
 #include <sx/containers/sxArray.h>
+#include <sx/math/sxUByteVec.h>
+#include <sx/math/sxVec2.h>
+#include <sx/math/sxVec3.h>
+#include <sx/math/sxVec4.h>
 
 // The element type code of T. Specialised for the element types the
 // library knows; a value type of matching size opts in next to its own
@@ -15,7 +19,7 @@ struct sxArrayElement;
     static_assert(sizeof(T) == sxArray::getElemSize(code), "element type of the wrong size"); \
   }
 
-// The raw element layouts, for code that needs them without the math types.
+// Raw element layouts of the same types.
 struct sxArrayUByte3 {
   unsigned char v[3];
 };
@@ -41,6 +45,11 @@ SX_ARRAY_ELEMENT(sxArrayFloat2, sxArray::TYPE_VEC2);
 SX_ARRAY_ELEMENT(sxArrayFloat3, sxArray::TYPE_VEC3);
 SX_ARRAY_ELEMENT(sxArrayFloat4, sxArray::TYPE_VEC4);
 SX_ARRAY_ELEMENT(double, sxArray::TYPE_DOUBLE);
+SX_ARRAY_ELEMENT(sxUByteVec3, sxArray::TYPE_UBYTEVEC3);
+SX_ARRAY_ELEMENT(sxUByteVec4, sxArray::TYPE_UBYTEVEC4);
+SX_ARRAY_ELEMENT(sxVec2, sxArray::TYPE_VEC2);
+SX_ARRAY_ELEMENT(sxVec3, sxArray::TYPE_VEC3);
+SX_ARRAY_ELEMENT(sxVec4, sxArray::TYPE_VEC4);
 
 // A thin typed view of an array's elements. It holds no reference; the
 // array must outlive it. A view of an array of another element type (or of
