@@ -5,8 +5,14 @@
 //
 // Counters: objects; graphMB, the accounted heap that the imported graph
 // occupies; peakMB, the highest accounted heap seen during an import above
-// what was in use before it (sampled by a second thread every 20 us);
+// what was in use before it (sampled by a second thread every 100 us);
 // peakRatio = peakMB / graphMB.
+//
+// The process keeps the heap memory it frees (mallopt below): otherwise the
+// C library returns the hundreds of megabytes that one iteration frees and
+// the next one faults them in again, and the figures measure the kernel
+// zeroing pages (dearly, on a virtual machine) rather than the library.
+// SXCORE_BENCH_DEFAULT_MALLOC=1 leaves the C library's defaults in place.
 
 #include <benchmark/benchmark.h>
 #include <sx/containers/sxArray.h>
@@ -18,11 +24,13 @@
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 
+#include <malloc.h>
 #include <unistd.h>
 
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <string>
 #include <thread>
 
@@ -135,7 +143,7 @@ class PeakSampler {
     while (!done) {
       std::size_t now = sxMemory::getSize();
       if (now > peak) peak = now;
-      std::this_thread::sleep_for(std::chrono::microseconds(20));
+      std::this_thread::sleep_for(std::chrono::microseconds(100));
     }
   }
   std::atomic<bool> done{false};
@@ -173,4 +181,15 @@ BENCHMARK(BM_Import)->Arg(5)->Arg(6)->Unit(benchmark::kMillisecond)->Iterations(
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  if (!std::getenv("SXCORE_BENCH_DEFAULT_MALLOC")) {
+    mallopt(M_TRIM_THRESHOLD, 1 << 30);
+    mallopt(M_MMAP_THRESHOLD, 32 << 20);
+    mallopt(M_TOP_PAD, 256 << 20);
+  }
+  benchmark::Initialize(&argc, argv);
+  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}

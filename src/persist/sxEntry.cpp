@@ -9,9 +9,12 @@
 
 namespace {
 
-// The first write to an entry allocates this much; later writes grow the
-// buffer to their end plus this much.
+// Writes that reach the end of the buffer grow it to their end plus
+// growthStep. The first buffer is smaller than a step: a scene has an entry
+// per object, most records are a few dozen bytes, and a buffer is trimmed
+// to its data once its entry is complete.
 constexpr int growthStep = 1024;
+constexpr int firstBuffer = 256;
 
 inline int alignUp(int at, int align) {
   return (at + align - 1) & ~(align - 1);
@@ -76,9 +79,9 @@ bool sxEntry::reserve(int at, int n, bool doubled) {
   long long reach = doubled ? end + n : end;
   if (end > INT_MAX - growthStep) return false;
   if (!data) {
-    data = static_cast<unsigned char*>(sxMemory::calloc(1, growthStep));
+    data = static_cast<unsigned char*>(sxMemory::calloc(1, firstBuffer));
     if (!data) return false;
-    capacity = growthStep;
+    capacity = firstBuffer;
   }
   if (reach < capacity) return true;
   int grown = int(end) + growthStep;
