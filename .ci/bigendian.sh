@@ -15,18 +15,23 @@ if ! command -v s390x-linux-gnu-g++ >/dev/null || ! command -v qemu-s390x >/dev/
 fi
 
 cross=${SXCORE_S390X_BUILD:-$root/build-ci-s390x}
-host=${SXCORE_HOST_BUILD:-$root/build-ci-host}
 jobs=$(nproc)
+# The host side reuses the tree of the plain build when there is one.
+if [ -z "${SXCORE_HOST_BUILD:-}" ] && [ -f "$root/build/CMakeCache.txt" ]; then
+  host=$root/build
+else
+  host=${SXCORE_HOST_BUILD:-$root/build-ci-host}
+  cmake -S . -B "$host" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+    -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF >/dev/null
+fi
 
 cmake -S . -B "$cross" -G Ninja -DCMAKE_BUILD_TYPE=Release \
   -DCMAKE_TOOLCHAIN_FILE="$root/cmake/s390x-linux-gnu.cmake" \
   -DSXCORE_BUILD_TESTS=OFF -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF \
   -DSXCORE_BUILD_SCENE_PROBE=ON >/dev/null
-ninja -C "$cross" -j "$jobs" sxSceneProbe
+cmake --build "$cross" -j "$jobs" --target sxSceneProbe
 
-cmake -S . -B "$host" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
-  -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF >/dev/null
-ninja -C "$host" -j "$jobs" sxSceneProbe sxTest_persist
+cmake --build "$host" -j "$jobs" --target sxSceneProbe sxTest_persist
 
 be() { qemu-s390x -L /usr/s390x-linux-gnu "$cross/tests/support/sxSceneProbe" "$@"; }
 le() { "$host/tests/support/sxSceneProbe" "$@"; }
