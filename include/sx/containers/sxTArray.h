@@ -6,9 +6,8 @@
 #include <sx/math/sxVec3.h>
 #include <sx/math/sxVec4.h>
 
-// The element type code of T. Specialised for the element types the
-// library knows; a value type of matching size opts in next to its own
-// definition with SX_ARRAY_ELEMENT(sxVec3, sxArray::TYPE_VEC3).
+// The element type code of T, for the element types of the library. A
+// further value type of matching size opts in with SX_ARRAY_ELEMENT.
 template <class T>
 struct sxArrayElement;
 
@@ -19,31 +18,9 @@ struct sxArrayElement;
     static_assert(sizeof(T) == sxArray::getElemSize(code), "element type of the wrong size"); \
   }
 
-// Raw element layouts of the same types.
-struct sxArrayUByte3 {
-  unsigned char v[3];
-};
-struct sxArrayUByte4 {
-  unsigned char v[4];
-};
-struct sxArrayFloat2 {
-  float v[2];
-};
-struct sxArrayFloat3 {
-  float v[3];
-};
-struct sxArrayFloat4 {
-  float v[4];
-};
-
 SX_ARRAY_ELEMENT(unsigned short, sxArray::TYPE_USHORT);
-SX_ARRAY_ELEMENT(sxArrayUByte3, sxArray::TYPE_UBYTEVEC3);
-SX_ARRAY_ELEMENT(sxArrayUByte4, sxArray::TYPE_UBYTEVEC4);
 SX_ARRAY_ELEMENT(int, sxArray::TYPE_INT);
 SX_ARRAY_ELEMENT(float, sxArray::TYPE_FLOAT);
-SX_ARRAY_ELEMENT(sxArrayFloat2, sxArray::TYPE_VEC2);
-SX_ARRAY_ELEMENT(sxArrayFloat3, sxArray::TYPE_VEC3);
-SX_ARRAY_ELEMENT(sxArrayFloat4, sxArray::TYPE_VEC4);
 SX_ARRAY_ELEMENT(double, sxArray::TYPE_DOUBLE);
 SX_ARRAY_ELEMENT(sxUByteVec3, sxArray::TYPE_UBYTEVEC3);
 SX_ARRAY_ELEMENT(sxUByteVec4, sxArray::TYPE_UBYTEVEC4);
