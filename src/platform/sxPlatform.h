@@ -5,8 +5,10 @@
 // win32/) implements this interface.
 
 #include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 
 namespace sxPlatform {
 
@@ -46,6 +48,37 @@ bool waitOnWord(std::atomic<int>* word, int expected, int timeoutMs);
 void wakeOneOnWord(std::atomic<int>* word);
 void wakeAllOnWord(std::atomic<int>* word);
 
+// Tells the processor that the caller is spinning.
+inline void cpuRelax() {
+#if defined(__x86_64__) || defined(__i386__)
+  __builtin_ia32_pause();
+#elif defined(__aarch64__)
+  asm volatile("yield");
+#endif
+}
+
+// Threads the library starts. A handle of 0 means none. The entry runs on
+// the new thread with arg; it starts at once (suspension is the library's).
+using ThreadHandle = std::uintptr_t;
+using ThreadEntry = void (*)(void* arg);
+bool startThread(ThreadHandle& out, ThreadEntry entry, void* arg);
+// Waits for the thread to end and releases the handle.
+void joinThread(ThreadHandle thread);
+// Releases the handle; the thread's resources go when it ends.
+void detachThread(ThreadHandle thread);
+
+// Scheduling. Priorities are requested as a class and a level relative to
+// it (-2..+2, or timeCritical), the way the library's mapping table states
+// them; each back end translates the pair to what its scheduler offers.
+enum class PriorityClass { idle, normal, high, realtime };
+constexpr int timeCritical = 15;
+// False when the scheduler refuses (for example without the privilege to
+// raise a priority).
+bool setThreadPriority(std::uint32_t threadId, PriorityClass priorityClass, int relative);
+// The processors the process may run on, one bit each (the first 64).
+std::uint64_t processAffinityMask();
+bool setThreadAffinity(std::uint32_t threadId, std::uint64_t mask);
+
 // A recursive mutex with timeouts. Uncontended acquire and release are one
 // atomic operation each; a contended acquire sleeps in the kernel.
 class RecursiveMutex {
@@ -63,6 +96,57 @@ class RecursiveMutex {
   std::atomic<int> state{0};  // 0 free, 1 held, 2 held with waiters
   std::atomic<std::uint32_t> owner{0};
   int depth = 0;
+};
+
+// A counting semaphore with a maximum, on one futex word: the count in the
+// low 31 bits and a "sleepers present" bit on top. A post touches the
+// semaphore's memory only in its one atomic update (the wake is a system
+// call on the address), so a waiter may destroy the semaphore as soon as it
+// has been released.
+class CountingSemaphore {
+ public:
+  enum class WaitResult { signalled, timedOut };
+  static constexpr int maxCount = 0x7FFFFFFF;
+
+  // The maximum is raised to at least 1 and the initial count kept in
+  // 0..maximum.
+  CountingSemaphore(int initial, int maximum);
+  CountingSemaphore(const CountingSemaphore&) = delete;
+  CountingSemaphore& operator=(const CountingSemaphore&) = delete;
+
+  // Adds n counts; false (and no change) when n < 1 or the count would pass
+  // the maximum. The count before the post is stored in *previous, if
+  // given, before any waiter can run.
+  bool post(int n, std::atomic<int>* previous);
+  // Takes one count, waiting at most timeoutMs (-1: no limit, 0: only tries).
+  WaitResult wait(int timeoutMs);
+  int getCount() const;
+  int getMaximum() const { return maximum; }
+
+ private:
+  static constexpr int sleepersBit = int(0x80000000u);
+  bool tryTake();
+
+  std::atomic<int> word;
+  int maximum;
+};
+
+// A manual-reset event that is only ever pulsed: a pulse releases every
+// thread waiting at that moment and leaves the event unsignalled.
+class PulseEvent {
+ public:
+  PulseEvent() = default;
+  PulseEvent(const PulseEvent&) = delete;
+  PulseEvent& operator=(const PulseEvent&) = delete;
+
+  void pulse();
+  // True when a pulse came, false after timeoutMs (-1: no limit).
+  bool wait(int timeoutMs);
+
+ private:
+  std::mutex mutex;
+  std::condition_variable condition;
+  std::uint64_t generation = 0;
 };
 
 // --- registry store (persistent settings)

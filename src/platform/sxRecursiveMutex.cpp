@@ -5,6 +5,10 @@
 // A futex-style mutex (0 free, 1 held, 2 held with waiters) with an owner and
 // a depth for recursion. Only the blocking step is platform-specific.
 
+namespace {
+constexpr int spinRounds = 100;
+}
+
 bool sxPlatform::RecursiveMutex::acquire(int timeoutMs) {
   const std::uint32_t self = currentThreadId();
   if (owner.load(std::memory_order_relaxed) == self) {
@@ -14,6 +18,17 @@ bool sxPlatform::RecursiveMutex::acquire(int timeoutMs) {
   int c = 0;
   if (!state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed)) {
     if (timeoutMs == 0) return false;
+    // Critical sections of the library are short: spinning a little before
+    // sleeping keeps two threads that share a queue out of the kernel.
+    for (int i = 0; i < spinRounds && c != 0; ++i) {
+      cpuRelax();
+      if (state.load(std::memory_order_relaxed) != 0) continue;
+      c = 0;
+      if (state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed))
+        break;
+    }
+  }
+  if (c != 0) {
     using clock = std::chrono::steady_clock;
     const auto deadline = clock::now() + std::chrono::milliseconds(timeoutMs < 0 ? 0 : timeoutMs);
     if (c != 2) c = state.exchange(2, std::memory_order_acquire);
