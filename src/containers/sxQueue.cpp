@@ -3,25 +3,9 @@
 
 #include <cstring>
 
+#include "threads/sxLockScope.h"
+
 SX_IMPLEMENT_CLASS(sxQueue, sxBase, sxType)
-
-namespace {
-// Holds a queue's lock for a scope.
-class Locked {
- public:
-  explicit Locked(sxLock* l) : lock(l) {
-    if (lock) lock->acquire();
-  }
-  ~Locked() {
-    if (lock) lock->release();
-  }
-  Locked(const Locked&) = delete;
-  Locked& operator=(const Locked&) = delete;
-
- private:
-  sxLock* lock;
-};
-}  // namespace
 
 void sxQueue::allocate(int size, int cap) {
   elementSize = size < 1 ? 1 : size;
@@ -49,7 +33,7 @@ sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(new sxLock), mode
 sxQueue& sxQueue::operator=(const sxQueue& source) {
   if (this == &source) return *this;
   sxBase::operator=(source);
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   sxMemory::free(buffer);
   allocate(source.elementSize, source.capacity);
   mode = source.mode;
@@ -64,7 +48,7 @@ sxQueue::~sxQueue() {
 
 void sxQueue::copyRecordsFrom(const sxQueue& source) {
   if (!buffer) return;
-  Locked guard(source.lock);
+  sxiLockScope guard(source.lock);
   const char* p = source.readPtr;
   int n = source.getCount();
   for (int i = 0; i < n; ++i) {
@@ -98,7 +82,7 @@ bool sxQueue::grow() {
 
 bool sxQueue::put(const void* element) {
   if (!element) return false;
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   if (!buffer) return false;
   int n = count.load(std::memory_order_relaxed);
   if (mode == BOUNDED && n >= capacity - 1) return false;
@@ -116,7 +100,7 @@ bool sxQueue::put(const void* element) {
 
 bool sxQueue::get(void* out) {
   if (!out) return false;
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   int n = count.load(std::memory_order_relaxed);
   if (n < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
@@ -127,19 +111,19 @@ bool sxQueue::get(void* out) {
 
 bool sxQueue::sample(void* out) const {
   if (!out) return false;
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   if (count.load(std::memory_order_relaxed) < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
   return true;
 }
 
 void sxQueue::reset() {
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   writePtr = readPtr = buffer;
   count.store(0, std::memory_order_relaxed);
 }
 
 void sxQueue::setMode(MODE m) {
-  Locked guard(lock);
+  sxiLockScope guard(lock);
   mode = m;
 }

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <sx/threads/sxLock.h>
+
+// Holds an sxLock for a scope (nothing for null).
+class sxiLockScope {
+ public:
+  explicit sxiLockScope(sxLock* l) : lock(l) {
+    if (lock) lock->acquire();
+  }
+  ~sxiLockScope() {
+    if (lock) lock->release();
+  }
+  sxiLockScope(const sxiLockScope&) = delete;
+  sxiLockScope& operator=(const sxiLockScope&) = delete;
+
+ private:
+  sxLock* lock;
+};
