@@ -15,6 +15,7 @@
 
 #include "kernel/sxKernelInternal.h"
 #include "kernel/sxKernelLocks.h"
+#include "object/sxDeletion.h"
 #include "platform/sxPlatform.h"
 
 std::atomic<sxLock*> sxiKernel::locks[sxiKernel::numLocks];
@@ -70,6 +71,7 @@ void initLists() {
   sxPlugIn::initClass();
   sxiKernel::atUnload([] {
     sxLoader::cleanUpClass();
+    sxiDeletion::cleanUp();
     sxType::cleanUpRegistry();
     sxIndexedType::cleanUpFamilies();
     sxPlugIn::cleanUpClass();
@@ -180,6 +182,9 @@ struct KernelInitialiser {
     initKernelPlugIn();
     initKernelObject();
     initKernelLocks();
+    // Workers still running at unload are stopped first, while the locks
+    // they take still exist.
+    sxiKernel::atUnload(sxThread::stopAllWorkers);
   }
   ~KernelInitialiser() {
     while (numCleanUps > 0) cleanUps[--numCleanUps]();

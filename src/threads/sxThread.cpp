@@ -1,48 +1,281 @@
+// Thread objects: construction, the worker loop, run, suspend and kill,
+// scheduling and the action lists. The command queue is in
+// sxThreadQueue.cpp, the links between threads in sxThreadLinks.cpp.
+
+#include <sx/containers/sxQueue.h>
+#include <sx/kernel/sxKernel.h>
+#include <sx/nodes/sxAction.h>
+#include <sx/threads/sxFlushThread.h>
+#include <sx/threads/sxSemaphore.h>
 #include <sx/threads/sxThread.h>
+#include <sx/traversal/sxTravContext.h>
 
-#include <atomic>
-
-#include "object/sxDeletion.h"
+#include "kernel/sxKernelLocks.h"
+#include "object/sxReferenced.h"
 #include "platform/sxPlatform.h"
+#include "threads/sxThreadInternals.h"
+#include "threads/sxThreadPriority.h"
 
 SX_IMPLEMENT_CLASS_NOCOPY(sxThread, sxBase, sxType)
 
 namespace {
+
 thread_local sxThread* currentThread = nullptr;
-constinit std::atomic<int> totalDownstreamLinks{0};
+
+// Triggers beyond this many uncounted run() calls are dropped.
+constexpr int maxTriggers = 512;
+constexpr int queueCapacity = 250;
+
+std::uint64_t processAffinity() {
+  static const std::uint64_t mask = sxPlatform::processAffinityMask();
+  return mask;
+}
+
 }  // namespace
 
 sxThread::sxThread(bool isAppThread)
-    : threadId(0), mode(FREE_RUNNING), threadFlags(0), state(SUSPENDED) {
+    : flushAction(sxiReferenced(new sxFlushThread)),
+      upstream(nullptr),
+      queue(sxiReferenced(new sxQueue(int(sizeof(Item)), queueCapacity))),
+      handle(0),
+      threadId(0),
+      mode(FREE_RUNNING),
+      threadFlags(0),
+      state(SUSPENDED),
+      target(nullptr),
+      trigger(sxiReferenced(new sxSemaphore(0, maxTriggers))),
+      // Each thread keeps a traversal context of its own for the short
+      // computations that need one (bounding volumes, for example).
+      travContext(sxiReferenced(new sxTravContext)),
+      renderContext(nullptr),
+      internals(sxNew<Internals>()) {
+  if (!internals) sxMemory::outOfMemory();
+  if (queue) queue->setMode(sxQueue::GROWING);
   if (isAppThread) {
-    threadId = sxPlatform::currentThreadId();
+    threadId.store(sxPlatform::currentThreadId());
     threadFlags |= appThreadFlag;
-    state = RUNNING;
+    state.store(RUNNING);
     currentThread = this;
+    processAffinity();
+    initInstance();
+    return;
   }
+  sxPlatform::ThreadHandle h = 0;
+  if (!flushAction || !queue || !trigger ||
+      !sxPlatform::startThread(h, &sxThread::threadMain, this)) {
+    state.store(DEAD);
+    return;
+  }
+  handle.store(h);
+  // The new thread publishes its id before it waits to be run, so that the
+  // id is known as soon as the object exists.
+  while (internals->started.load() == 0) sxPlatform::waitOnWord(&internals->started, 0, -1);
   initInstance();
 }
 
 sxThread::~sxThread() {
+  if (!isAppThread()) {
+    markDead();
+    wake();
+    if (std::uintptr_t h = handle.exchange(0))
+      currentThread == this ? sxPlatform::detachThread(h) : sxPlatform::joinThread(h);
+  }
+  unlinkAll();
+  drain();
+  {
+    sxiHold lists(&internals->listLock);
+    sxiReleaseAll(initActions);
+    sxiReleaseAll(actions);
+  }
+  sxiRelease(flushAction);
+  sxiRelease(queue);
+  sxiRelease(trigger);
+  sxiRelease(travContext);
   if (currentThread == this) currentThread = nullptr;
+  sxDelete(internals);
+  internals = nullptr;
 }
+
+// --- the worker loop
+
+// A worker whose own object is released while it runs destroys the object
+// only once its loop has unwound (see destroysItselfLater).
+void sxThread::threadMain(void* arg) {
+  sxThread* self = static_cast<sxThread*>(arg);
+  currentThread = self;
+  self->threadId.store(sxPlatform::currentThreadId());
+  self->internals->started.store(1);
+  sxPlatform::wakeAllOnWord(&self->internals->started);
+
+  if (self->waitAtGate()) {
+    self->applyList(self->initActions, self);
+    while (!isDoomed(self) && self->waitAtGate()) {
+      if (self->mode.load() == TRIGGERED)
+        self->trigger->dec();
+      else
+        sxPlatform::yieldThread();
+      if (self->isDead()) break;
+      self->processQueue(false);
+      if (isDoomed(self) || self->isDead()) break;
+      const bool result = self->apply(self->target.load());
+      if (isDoomed(self)) break;
+      if (!result) {
+        const char* name = self->getName();
+        sxMessage("Thread: %s died.  Error: %d\n", name ? name : "", int(result));
+        self->markDead();
+        break;
+      }
+    }
+  }
+  // A dead thread still honours deletions, syncs and flushes already queued.
+  if (!isDoomed(self)) self->drain();
+  if (releaseDoomed(self)) delete self;
+  currentThread = nullptr;
+}
+
+// Suspension is a gate before every iteration: a suspended worker sleeps on
+// its state word until run() or kill() changes it.
+bool sxThread::waitAtGate() {
+  for (;;) {
+    int s = state.load();
+    if (s == RUNNING) return true;
+    if (s == DEAD) return false;
+    sxPlatform::waitOnWord(&state, s, -1);
+  }
+}
+
+bool sxThread::markDead() {
+  // Under the base lock, so that deletion requests are never forwarded to a
+  // thread after it has stopped reading its queue.
+  sxiKernel::LockGuard guard(sxiKernel::baseLock);
+  return state.exchange(DEAD) != DEAD;
+}
+
+void sxThread::wake() {
+  sxPlatform::wakeAllOnWord(&state);
+  if (trigger) trigger->inc();
+}
+
+// --- run, suspend, kill
+
+void sxThread::setThreadMode(MODE m) {
+  mode.store(m);
+}
+
+void sxThread::run(sxBase* newTarget) {
+  target.store(newTarget);
+  run();
+}
+
+void sxThread::run() {
+  if (handle.load() != 0) {
+    int s = SUSPENDED;
+    if (state.compare_exchange_strong(s, RUNNING)) sxPlatform::wakeAllOnWord(&state);
+  }
+  if (trigger) trigger->inc();
+}
+
+void sxThread::suspend() {
+  if (isAppThread()) return;
+  int s = RUNNING;
+  state.compare_exchange_strong(s, SUSPENDED);
+}
+
+void sxThread::kill() {
+  if (isAppThread() || !markDead()) return;
+  wake();
+  // A thread that kills itself ends when its current step returns; the
+  // handle stays for whoever destroys the object.
+  if (currentThread != this)
+    if (std::uintptr_t h = handle.exchange(0)) sxPlatform::joinThread(h);
+  threadId.store(0);
+}
+
+void sxThread::stopAllWorkers() {
+  sxType* type = getClassType();
+  if (!type) return;
+  sxTList<sxThread*> workers;
+  type->lockInstanceList();
+  for (int i = 0, n = type->getNum(false); i < n; ++i) {
+    auto* t = static_cast<sxThread*>(type->get(i, false));
+    if (t->isAppThread()) continue;
+    t->pin();
+    workers.add(t);
+  }
+  type->unlockInstanceList();
+  for (sxThread* t : workers) {
+    t->kill();
+    t->unpin();
+  }
+}
+
+// --- identity and scheduling
 
 sxThread* sxThread::getCurrentThread() {
   return currentThread;
 }
 
 bool sxThread::inCurrentThread() const {
-  return threadId == sxPlatform::currentThreadId();
+  return threadId.load() == sxPlatform::currentThreadId();
 }
 
-int sxThread::getTotalNumDownstreamThreads() {
-  return totalDownstreamLinks.load();
+bool sxThread::setPriority(int priority) {
+  const sxiThreadPriority* p = sxiThreadPriority::lookup(priority);
+  if (!p || isDead()) return false;
+  return sxPlatform::setThreadPriority(threadId.load(), p->priorityClass, p->relative);
 }
 
-void sxThread::deferDeletion(sxBase* obj) {
-  sxiDeletion::destroy(obj);
+bool sxThread::setProcessors(unsigned mask) {
+  if (isDead()) return false;
+  return sxPlatform::setThreadAffinity(threadId.load(), std::uint64_t(mask) & processAffinity());
 }
 
-// Threads are linked only by the pipeline; a thread without downstream
-// links has nothing to flush.
-void sxThread::flushDownstream() {}
+// --- actions
+
+void sxThread::addInitAction(sxAction* action) {
+  sxiAddReferenced<sxiHold>(initActions, action, &internals->listLock);
+}
+
+bool sxThread::removeInitAction(sxAction* action) {
+  return sxiRemoveReferenced<sxiHold>(initActions, action, &internals->listLock);
+}
+
+void sxThread::addAction(sxAction* action) {
+  sxiAddReferenced<sxiHold>(actions, action, &internals->listLock);
+}
+
+bool sxThread::removeAction(sxAction* action) {
+  return sxiRemoveReferenced<sxiHold>(actions, action, &internals->listLock);
+}
+
+int sxThread::getNumActions() const {
+  sxiHold hold(&internals->listLock);
+  return actions.getNum();
+}
+
+int sxThread::getNumInitActions() const {
+  sxiHold hold(&internals->listLock);
+  return initActions.getNum();
+}
+
+bool sxThread::apply(sxBase* object) {
+  return applyList(actions, object);
+}
+
+// The list lock is not held while an action runs: an action may change the
+// lists, and another thread that does so must not wait for a slow action.
+// The action is referenced for the duration of its call.
+bool sxThread::applyList(const sxTList<sxAction*>& list, sxBase* object) {
+  for (int i = 0;; ++i) {
+    sxAction* action;
+    {
+      sxiHold hold(&internals->listLock);
+      if (i >= list.getNum()) return true;
+      action = list[i];
+      action->ref();
+    }
+    const bool ok = action->apply(object, nullptr);
+    action->unRef();
+    if (!ok) return false;
+  }
+}
