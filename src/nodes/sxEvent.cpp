@@ -1,3 +1,206 @@
+#include <sx/kernel/sxKernel.h>
+#include <sx/nodes/sxAction.h>
+#include <sx/nodes/sxActionNode.h>
 #include <sx/nodes/sxEvent.h>
+#include <sx/threads/sxLock.h>
+
+#include "nodes/sxEventAction.h"
+#include "object/sxReferenced.h"
+#include "platform/sxPlatform.h"
+#include "threads/sxLockScope.h"
 
 SX_IMPLEMENT_CLASS(sxEvent, sxBase, sxType)
+
+// The platform event that waiting threads sleep on.
+struct sxEvent::Signal : sxPlatform::PulseEvent {};
+
+namespace {
+constexpr int initialActions = 4;
+// Events triggered inside one another on this thread.
+thread_local int chainDepth = 0;
+
+template <class T>
+void referenceAll(sxTList<T*>& to, const sxTList<T*>& from) {
+  for (T* item : from)
+    if (to.add(item) >= 0) item->ref();
+}
+}  // namespace
+
+sxEvent::sxEvent()
+    : sxBase(),
+      time(0.0),
+      actions(initialActions),
+      lastObject(nullptr),
+      lock(sxiReferenced(new sxLock)),
+      signal(sxNew<Signal>()),
+      enabled(true) {
+  initInstance();
+}
+
+sxEvent::sxEvent(const sxEvent& source)
+    : sxBase(source),
+      time(0.0),
+      actions(initialActions),
+      lastObject(nullptr),
+      lock(sxiReferenced(new sxLock)),
+      signal(sxNew<Signal>()),
+      enabled(true) {
+  sxiLockScope guard(source.lock);
+  enabled = source.enabled;
+  referenceAll(actions, source.actions);
+  referenceAll(actionNodes, source.actionNodes);
+  initInstance();
+}
+
+sxEvent::~sxEvent() {
+  sxiReleaseAll(actions);
+  sxiReleaseAll(actionNodes);
+  sxDelete(signal);
+  signal = nullptr;
+  sxiRelease(lock);
+}
+
+sxEvent* sxEvent::findOrCreate(const char* name) {
+  if (!name || !*name) return nullptr;
+  // The new event is made before the list is unlocked, so that two threads
+  // asking for the same name at once share one event.
+  sxType* type = getClassType();
+  if (type) type->lockInstanceList();
+  sxEvent* event = find(name);
+  if (!event) {
+    event = new sxEvent;
+    if (event) event->setName(name);
+  }
+  if (event) event->ref();
+  if (type) type->unlockInstanceList();
+  return event;
+}
+
+void sxEvent::trigger(sxEvent* event, sxBase* object) {
+  if (event) event->trigger(object);
+}
+
+void sxEvent::trigger(sxBase* object) {
+  sxiLockScope guard(lock);
+  if (signal) signal->pulse();
+  if (!enabled || chainDepth >= maxChainDepth) return;
+  time = sxGetTime();
+  lastObject = object;
+  ++chainDepth;
+  // Indices are re-checked on every step: an action may change the lists
+  // (the lock is re-entrant), and each runs referenced, so that one that
+  // removes itself lives until it returns.
+  for (int i = 0; i < actions.getNum(); ++i) {
+    sxAction* action = actions[i];
+    action->ref();
+    action->apply(object, this);
+    action->unRef();
+  }
+  for (int i = 0; i < actionNodes.getNum(); ++i) {
+    sxActionNode* node = actionNodes[i];
+    node->ref();
+    node->eventTriggered(object, this);
+    node->unRef();
+  }
+  --chainDepth;
+}
+
+void sxEvent::enable(bool enable) {
+  sxiLockScope guard(lock);
+  enabled = enable;
+}
+
+bool sxEvent::waitForTrigger(int timeoutMs) {
+  return signal && signal->wait(timeoutMs);
+}
+
+bool sxEvent::waitForTrigger() {
+  return waitForTrigger(-1);
+}
+
+bool sxEvent::apply(sxBase* object, sxEvent*) {
+  trigger(object);
+  return true;
+}
+
+bool sxEvent::addAction(sxAction* action) {
+  return sxiAddReferenced<sxiLockScope>(actions, action, lock);
+}
+
+bool sxEvent::addAction(sxActionNode* node) {
+  return sxiAddReferenced<sxiLockScope>(actionNodes, node, lock);
+}
+
+bool sxEvent::addAction(sxEvent* event) {
+  if (!event || event == this) return false;
+  sxAction* link = new sxiEventAction(event);
+  if (!link) return false;
+  if (addAction(link)) return true;
+  delete link;  // never shared
+  return false;
+}
+
+bool sxEvent::removeAction(sxAction* action) {
+  return sxiRemoveReferenced<sxiLockScope>(actions, action, lock);
+}
+
+bool sxEvent::removeAction(sxActionNode* node) {
+  return sxiRemoveReferenced<sxiLockScope>(actionNodes, node, lock);
+}
+
+int sxEvent::findChained(const sxEvent* event) const {
+  for (int i = actions.getNum() - 1; i >= 0; --i) {
+    auto* link = dynamic_cast<sxiEventAction*>(actions[i]);
+    if (link && link->getEvent() == event) return i;
+  }
+  return -1;
+}
+
+bool sxEvent::removeAction(sxEvent* event) {
+  if (!event) return false;
+  sxAction* link;
+  {
+    sxiLockScope guard(lock);
+    const int i = findChained(event);
+    if (i < 0) return false;
+    link = actions[i];
+    actions.removeIndex(i);
+  }
+  link->unRef();
+  return true;
+}
+
+bool sxEvent::isEnabled() const {
+  sxiLockScope guard(lock);
+  return enabled;
+}
+
+double sxEvent::getTime() const {
+  sxiLockScope guard(lock);
+  return time;
+}
+
+sxBase* sxEvent::getLastObject() const {
+  sxiLockScope guard(lock);
+  return lastObject;
+}
+
+int sxEvent::getNumActions() const {
+  sxiLockScope guard(lock);
+  return actions.getNum();
+}
+
+sxAction* sxEvent::getAction(int i) const {
+  sxiLockScope guard(lock);
+  return actions.indexInRange(i) ? actions[i] : nullptr;
+}
+
+int sxEvent::getNumActionNodes() const {
+  sxiLockScope guard(lock);
+  return actionNodes.getNum();
+}
+
+sxActionNode* sxEvent::getActionNode(int i) const {
+  sxiLockScope guard(lock);
+  return actionNodes.indexInRange(i) ? actionNodes[i] : nullptr;
+}

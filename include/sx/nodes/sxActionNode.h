@@ -2,9 +2,16 @@
 
 #include <sx/nodes/sxGroup.h>
 
-// A node that applies actions when a traversal reaches it.
+class sxEvent;
+
+// A scene-graph group that can also be attached to events. Each concrete
+// node kind says in eventTriggered what a trigger does to it.
 class SX_API sxActionNode : public sxGroup {
  public:
   SX_DECLARE_CLASS(sxActionNode)
   SX_DEFAULT_CONSTRUCTORS(sxActionNode, sxGroup)
+
+  // Called by an event, on the triggering thread, with the triggering object
+  // and the event.
+  virtual void eventTriggered(sxBase* object, sxEvent* event) = 0;
 };
