@@ -1,0 +1,138 @@
+#pragma once
+
+// Helpers shared by the thread tests: counting actions, objects that count
+// their destruction, a pipeline of worker threads that cleans up after
+// itself, and bounded waiting (a hang fails the test instead of the run).
+
+#include <sx/sxCore.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <functional>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+namespace sxtest {
+
+// Counts its applications and remembers what it was last given.
+class CountingAction : public sxAction {
+ public:
+  bool apply(sxBase* object, sxEvent* event) override {
+    lastObject.store(object);
+    lastEvent.store(event);
+    lastThread.store(sxThread::getCurrentThread());
+    count.fetch_add(1);
+    return result.load();
+  }
+  std::atomic<int> count{0};
+  std::atomic<sxBase*> lastObject{nullptr};
+  std::atomic<sxEvent*> lastEvent{nullptr};
+  std::atomic<sxThread*> lastThread{nullptr};
+  std::atomic<bool> result{true};
+};
+
+// Runs a function as its apply.
+class FunctionAction : public sxAction {
+ public:
+  explicit FunctionAction(std::function<bool(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
+  bool apply(sxBase* object, sxEvent* event) override { return fn(object, event); }
+
+ private:
+  std::function<bool(sxBase*, sxEvent*)> fn;
+};
+
+// Counts its destruction in a slot of its own.
+class Probe : public sxBase {
+ public:
+  explicit Probe(std::atomic<int>* destroyed) : slot(destroyed) {}
+  ~Probe() override { slot->fetch_add(1); }
+
+ private:
+  std::atomic<int>* slot;
+};
+
+// Polls pred for at most timeoutMs; true once it holds.
+inline bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 20000) {
+  auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  while (!pred()) {
+    if (std::chrono::steady_clock::now() > end) return false;
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  return true;
+}
+
+// True when value() does not change across pauseMs.
+inline bool staysAt(const std::function<int()>& value, int pauseMs = 50) {
+  int before = value();
+  std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
+  return value() == before;
+}
+
+// Runs body on a helper thread; a body that has not returned after
+// seconds ends the process with a message, so that a deadlock fails the
+// test instead of stalling the run.
+inline void withDeadline(const char* what, const std::function<void()>& body, int seconds = 60) {
+  std::atomic<bool> done{false};
+  std::thread runner([&] {
+    body();
+    done.store(true);
+  });
+  if (!waitUntil([&] { return done.load(); }, seconds * 1000)) {
+    std::fprintf(stderr, "deadline passed: %s\n", what);
+    std::fflush(stderr);
+    std::_Exit(3);
+  }
+  runner.join();
+}
+
+// Worker threads created for one test, with the links they were given.
+// The destructor kills them, removes the links, releases them and carries
+// out what that left on the application thread's queue.
+class Pipeline {
+ public:
+  sxThread* add(sxThread::MODE mode = sxThread::FREE_RUNNING, const char* name = nullptr) {
+    sxThread* t = new sxThread;
+    t->ref();
+    t->setThreadMode(mode);
+    if (name) t->setName(name);
+    threads.push_back(t);
+    return t;
+  }
+  bool link(sxThread* up, sxThread* down) {
+    if (!up->addDownstreamThread(down)) return false;
+    links.emplace_back(up, down);
+    return true;
+  }
+  ~Pipeline() {
+    for (sxThread* t : threads) t->kill();
+    for (auto& [up, down] : links) up->removeDownstreamThread(down);
+    for (sxThread* t : threads) t->unRef();
+    while (sxGetAppThread()->processQueue(true) > 0) {
+    }
+  }
+  std::vector<sxThread*> threads;
+  std::vector<std::pair<sxThread*, sxThread*>> links;
+};
+
+// Captures the library's messages while alive.
+class MessageCapture {
+ public:
+  MessageCapture() {
+    text().clear();
+    sxMessageHandler(&MessageCapture::handler);
+  }
+  ~MessageCapture() { sxMessageHandler(nullptr); }
+  static std::string& text() {
+    static std::string captured;
+    return captured;
+  }
+
+ private:
+  static void handler(char* message) { text() += message; }
+};
+
+}  // namespace sxtest

@@ -1,0 +1,218 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <vector>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+using sxtest::FunctionAction;
+using sxtest::Pipeline;
+using sxtest::Probe;
+using sxtest::waitUntil;
+using sxtest::withDeadline;
+
+sxThread* app() {
+  return sxGetAppThread();
+}
+
+// Switches application-thread deletion on for a scope.
+struct AppThreadDeletion {
+  AppThreadDeletion() { sxThread::enableAppThreadDeletion(true); }
+  ~AppThreadDeletion() { sxThread::enableAppThreadDeletion(false); }
+};
+
+TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
+  ASSERT_EQ(sxThread::getTotalNumDownstreamThreads(), 0);
+  const int pending = sxBase::getNumPendingDeletions();
+  std::atomic<int> destroyed{0};
+  auto* a = new Probe(&destroyed);
+  a->ref();
+  a->unRef();
+  EXPECT_EQ(destroyed.load(), 1);
+  // An object nobody referenced dies on its first release too.
+  auto* b = new Probe(&destroyed);
+  b->unRef();
+  EXPECT_EQ(destroyed.load(), 2);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+}
+
+TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
+  Pipeline p;
+  sxThread* d1 = p.add();  // never run: their queues are carried out here
+  sxThread* d2 = p.add();
+  ASSERT_TRUE(p.link(app(), d1));
+  ASSERT_TRUE(p.link(app(), d2));
+  const int pending = sxBase::getNumPendingDeletions();
+  std::atomic<int> destroyed{0};
+  auto* obj = new Probe(&destroyed);
+  obj->ref();
+  obj->unRef();
+  EXPECT_EQ(destroyed.load(), 0);
+  EXPECT_EQ(obj->getRefCount(), -3);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
+
+  // Released again while on its way (someone still held a pointer): no
+  // second request.
+  obj->ref();
+  obj->unRef();
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
+
+  EXPECT_EQ(app()->processQueue(false), 1);
+  EXPECT_EQ(obj->getRefCount(), -2);
+  EXPECT_EQ(d2->processQueue(false), 1);
+  EXPECT_EQ(obj->getRefCount(), -1);
+  EXPECT_EQ(destroyed.load(), 0);
+  EXPECT_EQ(d1->processQueue(false), 1);
+  EXPECT_EQ(destroyed.load(), 1);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+}
+
+TEST(sxDeferredDeletion, AppThreadDeletionHandsTheObjectBack) {
+  AppThreadDeletion on;
+  EXPECT_TRUE(sxThread::isAppThreadDeletionEnabled());
+  Pipeline p;
+  sxThread* d = p.add();
+  ASSERT_TRUE(p.link(app(), d));
+  const int pending = sxBase::getNumPendingDeletions();
+  std::atomic<int> destroyed{0};
+  auto* obj = new Probe(&destroyed);
+  obj->unRef();
+  app()->processQueue(false);
+  d->processQueue(false);
+  EXPECT_EQ(destroyed.load(), 0);  // waits for the application thread
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
+  EXPECT_EQ(app()->processQueue(false), 1);
+  EXPECT_EQ(destroyed.load(), 1);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+}
+
+TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
+  Pipeline p;
+  sxThread* a = p.add();
+  sxThread* b = p.add();
+  sxThread* c = p.add();
+  ASSERT_TRUE(p.link(app(), a));
+  ASSERT_TRUE(p.link(a, b));
+  const int pending = sxBase::getNumPendingDeletions();
+  std::atomic<int> destroyed{0};
+  auto* early = new Probe(&destroyed);
+  early->unRef();  // counted with two links
+  app()->processQueue(false);
+  // A third link appears while the request sits in a's queue, and a link
+  // it would have used goes away.
+  ASSERT_TRUE(p.link(a, c));
+  a->processQueue(false);
+  EXPECT_EQ(destroyed.load(), 0);
+  ASSERT_TRUE(a->removeDownstreamThread(b));
+  p.links.erase(std::find(p.links.begin(), p.links.end(), std::make_pair(a, b)));
+  auto* late = new Probe(&destroyed);
+  late->unRef();  // counted with two links again
+  app()->processQueue(false);
+  a->processQueue(false);
+  c->processQueue(false);
+  EXPECT_EQ(destroyed.load(), 1);  // late is done; early still sits with b
+  b->processQueue(false);
+  EXPECT_EQ(destroyed.load(), 2);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+}
+
+TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
+  const int threads = sxThread::getNum();
+  auto* w = new sxThread;
+  w->ref();
+  ASSERT_TRUE(app()->addDownstreamThread(w));
+  w->run();
+  w->unRef();  // the last reference; the thread itself is the last to pass
+  app()->processQueue(false);
+  ASSERT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
+  EXPECT_EQ(app()->getNumDownstreamThreads(), 0);
+
+  // A worker that drops the last reference to itself from its own action.
+  auto* self = new sxThread;
+  self->ref();
+  auto* once = new FunctionAction([&, done = false](sxBase*, sxEvent*) mutable {
+    if (!done) self->unRef();
+    done = true;
+    return true;
+  });
+  self->addAction(once);
+  self->run();
+  EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
+}
+
+// Releases 100,000 objects while a chain of three downstream threads runs;
+// some are released by the last thread of the chain itself.
+void releaseUnderLoad(int objects, bool appThreadDeletion) {
+  sxThread::enableAppThreadDeletion(appThreadDeletion);
+  const int pending = sxBase::getNumPendingDeletions();
+  std::vector<std::atomic<int>> destroyed(static_cast<size_t>(objects));
+  std::vector<Probe*> probes;
+  probes.reserve(size_t(objects));
+  for (auto& d : destroyed) {
+    probes.push_back(new Probe(&d));
+    probes.back()->ref();
+  }
+  // The last thread of the chain releases every fifth object as it loops.
+  std::mutex handOver;
+  std::vector<Probe*> forC;
+  {
+    Pipeline p;
+    sxThread* a = p.add();
+    sxThread* b = p.add();
+    sxThread* c = p.add();
+    ASSERT_TRUE(p.link(app(), a));
+    ASSERT_TRUE(p.link(a, b));
+    ASSERT_TRUE(p.link(b, c));
+    auto* releaser = new FunctionAction([&](sxBase*, sxEvent*) {
+      std::lock_guard<std::mutex> lock(handOver);
+      for (int k = 0; k < 50 && !forC.empty(); ++k) {
+        forC.back()->unRef();
+        forC.pop_back();
+      }
+      return true;
+    });
+    c->addAction(releaser);
+    for (sxThread* t : p.threads) t->run();
+    withDeadline("release under load", [&] {
+      for (int i = 0; i < objects; ++i) {
+        if (i % 5 == 4) {
+          std::lock_guard<std::mutex> lock(handOver);
+          forC.push_back(probes[size_t(i)]);
+        } else {
+          probes[size_t(i)]->unRef();
+        }
+        if (i % 1000 == 999) app()->processQueue(false);
+      }
+      // Carry everything through: the application queue, then a flush of
+      // the chain, until the last thread has released its share and every
+      // request has come back.
+      while (true) {
+        app()->processQueue(true);
+        a->flushQueue();
+        app()->processQueue(true);
+        std::lock_guard<std::mutex> lock(handOver);
+        if (forC.empty() && sxBase::getNumPendingDeletions() == pending) break;
+      }
+    });
+  }
+  sxThread::enableAppThreadDeletion(false);
+  int wrong = 0;
+  for (auto& d : destroyed) wrong += d.load() != 1;
+  EXPECT_EQ(wrong, 0);  // every object destroyed exactly once
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+}
+
+TEST(sxDeferredDeletion, HundredThousandReleasesThroughAChainOfThree) {
+  releaseUnderLoad(100000, false);
+}
+
+TEST(sxDeferredDeletion, ReleasesHandedBackToTheApplicationThread) {
+  releaseUnderLoad(20000, true);
+}
+
+}  // namespace

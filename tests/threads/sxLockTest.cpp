@@ -1,0 +1,158 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+// True when another thread can take the lock without waiting (and gives it
+// back at once).
+bool freeForOthers(sxLock& lock) {
+  bool taken = false;
+  std::thread other([&] {
+    taken = lock.acquire(0);
+    if (taken) lock.release();
+  });
+  other.join();
+  return taken;
+}
+
+TEST(sxLock, RecursiveOwnershipAndRelease) {
+  sxLock lock;
+  EXPECT_TRUE(lock.acquire());
+  EXPECT_TRUE(lock.acquire(0));  // the owner re-enters without waiting
+  EXPECT_TRUE(lock.isHeldByCurrentThread());
+  EXPECT_FALSE(freeForOthers(lock));
+  lock.release();
+  EXPECT_FALSE(freeForOthers(lock));  // still held once
+  lock.release();
+  EXPECT_FALSE(lock.isHeldByCurrentThread());
+  EXPECT_TRUE(freeForOthers(lock));
+  // Releasing a lock that is not held changes nothing.
+  lock.release();
+  EXPECT_TRUE(freeForOthers(lock));
+}
+
+TEST(sxLock, TimeoutsWhileAnotherThreadHolds) {
+  sxLock lock;
+  std::atomic<bool> held{false}, done{false};
+  std::thread holder([&] {
+    lock.acquire();
+    held.store(true);
+    sxtest::waitUntil([&] { return done.load(); });
+    lock.release();
+  });
+  ASSERT_TRUE(sxtest::waitUntil([&] { return held.load(); }));
+  EXPECT_FALSE(lock.acquire(0));
+  auto start = std::chrono::steady_clock::now();
+  EXPECT_FALSE(lock.acquire(30));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
+  // available() fails too and takes nothing.
+  EXPECT_FALSE(lock.available());
+  // A waiter with the default timeout (for ever) gets it once it is free.
+  std::atomic<bool> got{false};
+  std::thread waiter([&] {
+    got.store(lock.acquire());
+    lock.release();
+  });
+  EXPECT_TRUE(sxtest::staysAt([&] { return int(got.load()); }));
+  EXPECT_FALSE(got.load());
+  done.store(true);
+  waiter.join();
+  holder.join();
+  EXPECT_TRUE(got.load());
+}
+
+TEST(sxLock, MutualExclusionUnderContention) {
+  sxLock lock;
+  long long counter = 0;  // plain: only the lock protects it
+  constexpr int threads = 4, rounds = 20000;
+  std::vector<std::thread> workers;
+  for (int t = 0; t < threads; ++t)
+    workers.emplace_back([&] {
+      for (int i = 0; i < rounds; ++i) {
+        lock.acquire();
+        lock.acquire();  // nested, as kernel code does
+        ++counter;
+        lock.release();
+        lock.release();
+      }
+    });
+  for (auto& w : workers) w.join();
+  EXPECT_EQ(counter, static_cast<long long>(threads) * rounds);
+}
+
+TEST(sxLock, AvailableTakesOwnership) {
+  sxLock lock;
+  ASSERT_TRUE(lock.available());
+  // The test succeeded, so the caller now holds the lock.
+  EXPECT_TRUE(lock.isHeldByCurrentThread());
+  EXPECT_FALSE(freeForOthers(lock));
+  lock.release();
+  EXPECT_TRUE(freeForOthers(lock));
+}
+
+TEST(sxLock, CopyIsANewUnownedLock) {
+  sxLock source;
+  source.setName("source");
+  source.setTimeout(250);
+  source.acquire();
+  sxLock copy(source);
+  EXPECT_STREQ(copy.getName(), "source");
+  EXPECT_EQ(copy.getTimeout(), 250);
+  EXPECT_FALSE(copy.isHeldByCurrentThread());
+  EXPECT_TRUE(freeForOthers(copy));
+  source.release();
+}
+
+TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
+  sxLock mine, theirs;
+  mine.acquire();
+  std::atomic<bool> held{false}, done{false};
+  std::thread holder([&] {
+    theirs.acquire();
+    held.store(true);
+    sxtest::waitUntil([&] { return done.load(); });
+    theirs.release();
+  });
+  ASSERT_TRUE(sxtest::waitUntil([&] { return held.load(); }));
+
+  ASSERT_TRUE(sxLock::isEnabled());
+  sxLock::enableAll(false);
+  EXPECT_FALSE(sxLock::isEnabled());
+  // Nothing waits while locks are off, not even for a lock another thread
+  // holds, and available() answers true without taking anything.
+  EXPECT_TRUE(theirs.acquire());
+  EXPECT_TRUE(theirs.acquire(0));
+  EXPECT_TRUE(theirs.available());
+  theirs.release();
+  sxLock::enableAll(true);
+
+  // The lock this thread held was released once on the way off; the one
+  // the other thread held is still its own.
+  EXPECT_FALSE(mine.isHeldByCurrentThread());
+  EXPECT_TRUE(freeForOthers(mine));
+  EXPECT_FALSE(theirs.acquire(0));
+  done.store(true);
+  holder.join();
+  EXPECT_TRUE(freeForOthers(theirs));
+}
+
+TEST(sxLock, ClassRecordAndKernelLocks) {
+  // The five kernel locks exist from load time and are named.
+  int named = 0;
+  for (const char* n :
+       {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
+    named += sxLock::find(n) != nullptr;
+  EXPECT_EQ(named, 5);
+  sxBase* made = sxType::createInstance("sxlock");
+  ASSERT_NE(made, nullptr);
+  EXPECT_TRUE(made->isOfExactType(sxLock::getClassType()));
+  made->ref();
+  made->unRef();
+}
+
+}  // namespace

@@ -1,0 +1,140 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <thread>
+#include <vector>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+TEST(sxSemaphore, CountsMaximumAndTheCountField) {
+  sxSemaphore s(2, 3);
+  EXPECT_EQ(s.getAvailable(), 2);
+  EXPECT_EQ(s.getCount(), 2);
+  EXPECT_TRUE(s.dec(0));
+  EXPECT_TRUE(s.dec(0));
+  EXPECT_EQ(s.getAvailable(), 0);
+  EXPECT_EQ(s.getCount(), 0);
+  EXPECT_TRUE(s.inc(2));
+  EXPECT_EQ(s.getAvailable(), 2);
+  EXPECT_EQ(s.getCount(), 0);  // the count before the release
+  EXPECT_TRUE(s.inc());
+  EXPECT_EQ(s.getCount(), 2);
+  // Beyond the maximum, and for n < 1, nothing is released.
+  EXPECT_FALSE(s.inc());
+  EXPECT_FALSE(s.inc(0));
+  EXPECT_FALSE(s.inc(-4));
+  EXPECT_EQ(s.getAvailable(), 3);
+  EXPECT_EQ(s.getCount(), 2);
+
+  // Out-of-range arguments are brought into range.
+  sxSemaphore high(5, 2), low(-3, 0);
+  EXPECT_EQ(high.getMaximum(), 2);
+  EXPECT_EQ(high.getAvailable(), 2);
+  EXPECT_EQ(low.getMaximum(), 1);
+  EXPECT_EQ(low.getAvailable(), 0);
+}
+
+TEST(sxSemaphore, ATimedOutDecStillSucceeds) {
+  sxSemaphore s(0, 1);
+  auto start = std::chrono::steady_clock::now();
+  EXPECT_TRUE(s.dec(20));
+  EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(15));
+  EXPECT_EQ(s.getAvailable(), 0);  // nothing was taken
+  EXPECT_EQ(s.getCount(), -1);     // but the count field went down
+  s.setTimeout(0);
+  EXPECT_TRUE(s.dec());
+  EXPECT_EQ(s.getTimeout(), 0);
+}
+
+TEST(sxSemaphore, WaitersBlockUntilReleased) {
+  sxSemaphore s(0, 10);
+  std::atomic<int> through{0};
+  std::vector<std::thread> waiters;
+  for (int i = 0; i < 3; ++i)
+    waiters.emplace_back([&] {
+      s.dec();
+      through.fetch_add(1);
+    });
+  EXPECT_TRUE(sxtest::staysAt([&] { return through.load(); }));
+  EXPECT_EQ(through.load(), 0);
+  s.inc(2);
+  EXPECT_TRUE(sxtest::waitUntil([&] { return through.load() == 2; }));
+  EXPECT_TRUE(sxtest::staysAt([&] { return through.load(); }));
+  EXPECT_EQ(through.load(), 2);
+  s.inc();
+  for (auto& w : waiters) w.join();
+  EXPECT_EQ(through.load(), 3);
+  EXPECT_EQ(s.getAvailable(), 0);
+}
+
+TEST(sxSemaphore, ProducersAndConsumersBalance) {
+  sxSemaphore s(0, sxSemaphore::maxCount);
+  constexpr int pairs = 4, rounds = 5000;
+  std::atomic<int> taken{0};
+  std::vector<std::thread> threads;
+  for (int p = 0; p < pairs; ++p) {
+    threads.emplace_back([&] {
+      for (int i = 0; i < rounds; ++i) s.inc();
+    });
+    threads.emplace_back([&] {
+      for (int i = 0; i < rounds; ++i) {
+        s.dec();
+        taken.fetch_add(1);
+      }
+    });
+  }
+  for (auto& t : threads) t.join();
+  EXPECT_EQ(taken.load(), pairs * rounds);
+  EXPECT_EQ(s.getAvailable(), 0);
+}
+
+TEST(sxSemaphore, AReleasedWaiterMayDestroyTheSemaphoreAtOnce) {
+  // The waiter frees the semaphore as soon as its dec returns; the releasing
+  // inc must not touch it afterwards (the sanitizers watch this).
+  for (int round = 0; round < 300; ++round) {
+    auto* s = new sxSemaphore(0, 1);
+    s->ref();
+    std::thread waiter([s] {
+      s->dec();
+      s->unRef();
+    });
+    s->inc();
+    waiter.join();
+  }
+}
+
+TEST(sxSemaphore, EnableAllOffTurnsWaitingIntoNothing) {
+  sxSemaphore s(0, 1);
+  ASSERT_TRUE(sxSemaphore::isEnabled());
+  sxSemaphore::enableAll(false);
+  EXPECT_FALSE(sxSemaphore::isEnabled());
+  EXPECT_TRUE(s.dec());  // returns at once although no count is there
+  s.inc();
+  sxSemaphore::enableAll(true);
+  EXPECT_EQ(s.getAvailable(), 0);  // the inc released nothing
+  EXPECT_TRUE(s.inc());
+  EXPECT_EQ(s.getAvailable(), 1);
+}
+
+TEST(sxSemaphore, CopyAndCreationByName) {
+  sxSemaphore source(3, 7);
+  source.setTimeout(40);
+  source.setName("pool");
+  sxSemaphore copy(source);
+  EXPECT_EQ(copy.getMaximum(), 7);
+  EXPECT_EQ(copy.getAvailable(), 3);
+  EXPECT_EQ(copy.getTimeout(), 40);
+  EXPECT_STREQ(copy.getName(), "pool");
+  EXPECT_TRUE(copy.dec(0));
+  EXPECT_EQ(source.getAvailable(), 3);  // independent counts
+
+  sxBase* made = sxType::createInstance("SXSEMAPHORE");
+  ASSERT_NE(made, nullptr);
+  EXPECT_TRUE(made->isOfExactType(sxSemaphore::getClassType()));
+  made->ref();
+  made->unRef();
+}
+
+}  // namespace

@@ -1,0 +1,111 @@
+#include <gtest/gtest.h>
+
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <thread>
+#include <vector>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+using sxtest::CountingAction;
+using sxtest::Probe;
+
+// What the child found; 0 when all was well.
+enum Outcome {
+  allDone = 0,
+  notDestroyedOnce = 10,
+  stillPending,
+  actionsLeft,
+  appThreadKept,
+  setUpFailed,
+};
+
+class SlowAction : public CountingAction {
+ public:
+  bool apply(sxBase* object, sxEvent* event) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(2));
+    return CountingAction::apply(object, event);
+  }
+};
+
+sxThread* newWorker(sxThread::MODE mode) {
+  auto* t = new sxThread;
+  t->ref();
+  t->setThreadMode(mode);
+  return t;
+}
+
+// Runs in the child: a chain of three free-running threads below the
+// application thread, plus one triggered thread that is never triggered
+// and one that is never started, all with work queued and deletions on
+// their way, then sxShutdown.
+int shutdownWithPendingWork() {
+  constexpr int objects = 2000, actionsPerThread = 20;
+  sxThread* app = sxGetAppThread();
+  sxThread* a = newWorker(sxThread::FREE_RUNNING);
+  sxThread* b = newWorker(sxThread::FREE_RUNNING);
+  sxThread* c = newWorker(sxThread::FREE_RUNNING);
+  sxThread* triggered = newWorker(sxThread::TRIGGERED);
+  sxThread* idle = newWorker(sxThread::FREE_RUNNING);
+  if (!app->addDownstreamThread(a) || !a->addDownstreamThread(b) || !b->addDownstreamThread(c) ||
+      !app->addDownstreamThread(triggered) || !app->addDownstreamThread(idle))
+    return setUpFailed;
+  for (sxThread* t : {a, b, c, triggered}) t->run();
+
+  const int pending = sxBase::getNumPendingDeletions();
+  std::vector<std::atomic<int>> destroyed(objects);
+  for (auto& d : destroyed) (new Probe(&d))->unRef();
+
+  std::vector<SlowAction> work(5);
+  sxThread* targets[] = {a, b, c, triggered, idle};
+  for (int i = 0; i < actionsPerThread; ++i)
+    for (int k = 0; k < 5; ++k) targets[k]->addActionToQueue(&work[size_t(k)]);
+
+  sxShutdown();
+
+  if (sxGetAppThread() != nullptr) return appThreadKept;
+  for (auto& d : destroyed)
+    if (d.load() != 1) return notDestroyedOnce;
+  if (sxBase::getNumPendingDeletions() != pending) return stillPending;
+  for (auto& w : work)
+    if (w.count.load() != actionsPerThread) return actionsLeft;
+  return allDone;
+}
+
+TEST(sxShutdown, CarriesOutPendingWorkOfRunningDownstreamThreadsAndReturns) {
+  // sxShutdown ends the kernel for the whole process, so it runs in a child.
+  std::fflush(nullptr);
+  const pid_t child = fork();
+  ASSERT_GE(child, 0);
+  if (child == 0) {
+    alarm(60);  // the child's own watchdog
+    std::_Exit(shutdownWithPendingWork());
+  }
+  // The parent's watchdog: a shutdown that hangs fails the test.
+  int status = 0;
+  bool ended = false;
+  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(90);
+  while (std::chrono::steady_clock::now() < deadline) {
+    if (waitpid(child, &status, WNOHANG) == child) {
+      ended = true;
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(10));
+  }
+  if (!ended) {
+    kill(child, SIGKILL);
+    waitpid(child, &status, 0);
+    FAIL() << "sxShutdown did not return";
+  }
+  ASSERT_TRUE(WIFEXITED(status)) << "the child ended with signal " << WTERMSIG(status);
+  EXPECT_EQ(WEXITSTATUS(status), allDone);
+}
+
+}  // namespace

@@ -1,0 +1,95 @@
+#include <gtest/gtest.h>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+using sxtest::Pipeline;
+
+TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
+  const int links = sxThread::getTotalNumDownstreamThreads();
+  Pipeline p;
+  sxThread* a = p.add();
+  sxThread* b = p.add();
+  sxThread* c = p.add();
+  sxThread* dead = p.add();
+  dead->kill();
+
+  EXPECT_FALSE(a->addDownstreamThread(nullptr));
+  EXPECT_FALSE(a->addDownstreamThread(a));  // downstream of itself
+  EXPECT_FALSE(a->addDownstreamThread(dead));
+  EXPECT_FALSE(dead->addDownstreamThread(a));
+  ASSERT_TRUE(p.link(a, b));
+  ASSERT_TRUE(p.link(b, c));
+  EXPECT_FALSE(a->addDownstreamThread(b));  // already linked
+  EXPECT_FALSE(c->addDownstreamThread(a));  // would close a cycle
+  EXPECT_FALSE(b->addDownstreamThread(a));
+  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
+  EXPECT_EQ(a->getNumDownstreamThreads(), 1);
+  EXPECT_EQ(a->getDownstreamThread(0), b);
+  EXPECT_EQ(a->getDownstreamThread(1), nullptr);
+  EXPECT_EQ(a->getDownstreamThread(-1), nullptr);
+
+  EXPECT_TRUE(c->hasAncestor(a));
+  EXPECT_TRUE(c->hasAncestor(b));
+  EXPECT_FALSE(a->hasAncestor(c));
+  EXPECT_FALSE(a->hasAncestor(a));
+  EXPECT_FALSE(c->hasAncestor(nullptr));
+
+  EXPECT_FALSE(a->removeDownstreamThread(c));  // not a direct link
+  EXPECT_FALSE(a->removeDownstreamThread(nullptr));
+  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
+}
+
+TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
+  Pipeline p;
+  sxThread* first = p.add();
+  sxThread* second = p.add();
+  sxThread* fed = p.add();
+  sxThread* sibling = p.add();
+  sxThread* stranger = p.add();
+  ASSERT_TRUE(p.link(first, fed));
+  ASSERT_TRUE(p.link(second, fed));
+  ASSERT_TRUE(p.link(first, sibling));
+  EXPECT_EQ(fed->getUpstreamThread(), first);
+  EXPECT_EQ(fed->getNumUpstreamThreads(), 2);
+
+  EXPECT_TRUE(fed->shareCommonAncestor(sibling));  // both fed by first
+  EXPECT_TRUE(sibling->shareCommonAncestor(fed));
+  EXPECT_FALSE(fed->shareCommonAncestor(stranger));
+  EXPECT_FALSE(first->shareCommonAncestor(second));  // neither is fed
+  EXPECT_FALSE(fed->shareCommonAncestor(nullptr));
+
+  EXPECT_TRUE(first->removeDownstreamThread(fed));
+  EXPECT_EQ(fed->getUpstreamThread(), second);
+  EXPECT_FALSE(fed->shareCommonAncestor(sibling));
+  EXPECT_TRUE(second->removeDownstreamThread(fed));
+  EXPECT_EQ(fed->getUpstreamThread(), nullptr);
+  EXPECT_EQ(fed->getNumUpstreamThreads(), 0);
+  // Now the former cycle is allowed the other way round.
+  EXPECT_TRUE(fed->addDownstreamThread(first));
+  EXPECT_TRUE(fed->removeDownstreamThread(first));
+}
+
+TEST(sxThreadLinks, ADestroyedThreadTakesItsLinksAlong) {
+  const int links = sxThread::getTotalNumDownstreamThreads();
+  Pipeline p;
+  sxThread* up = p.add();
+  sxThread* down = p.add();
+  auto* middle = new sxThread;
+  middle->ref();
+  ASSERT_TRUE(up->addDownstreamThread(middle));
+  ASSERT_TRUE(middle->addDownstreamThread(down));
+  EXPECT_EQ(down->getUpstreamThread(), middle);
+  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
+  // Released while linked: the release is deferred through the pipeline,
+  // which the application thread's queue starts.
+  middle->unRef();
+  while (sxGetAppThread()->processQueue(true) > 0) {
+  }
+  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links);
+  EXPECT_EQ(up->getNumDownstreamThreads(), 0);
+  EXPECT_EQ(down->getUpstreamThread(), nullptr);
+}
+
+}  // namespace

@@ -1,0 +1,215 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <memory>
+#include <thread>
+#include <vector>
+
+#include "support/sxThreadTestSupport.h"
+
+namespace {
+
+using sxtest::CountingAction;
+using sxtest::FunctionAction;
+using sxtest::Pipeline;
+using sxtest::staysAt;
+using sxtest::waitUntil;
+using sxtest::withDeadline;
+
+// Sleeps, then counts: keeps a thread busy so that a flush has to wait.
+class SlowAction : public CountingAction {
+ public:
+  bool apply(sxBase* object, sxEvent* event) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(15));
+    return CountingAction::apply(object, event);
+  }
+};
+
+// Records where the hooks ran and writes to itself after releasing its
+// waiter, so that a waiter that frees it too early is caught.
+class RecordingFlush : public sxFlushThread {
+ public:
+  void preSyncApply(sxBase* target) override {
+    preTarget.store(target);
+    preThread.store(sxThread::getCurrentThread());
+  }
+  bool postSyncApply(sxBase* target) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    postTarget.store(target);
+    ++posts;
+    return true;
+  }
+  std::atomic<sxBase*> preTarget{nullptr}, postTarget{nullptr};
+  std::atomic<sxThread*> preThread{nullptr};
+  int posts = 0;
+};
+
+TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
+  Pipeline p;
+  sxThread* t = p.add();  // never run: its queue is carried out from here
+  CountingAction later;
+  later.ref();
+  FunctionAction poster([&](sxBase* object, sxEvent*) {
+    static_cast<sxThread*>(object)->addActionToQueue(&later);
+    return true;
+  });
+  poster.ref();
+  CountingAction direct;
+  direct.ref();
+  t->addActionToQueue(&poster);
+  t->addActionToQueue(&direct);
+  t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
+  EXPECT_EQ(t->processQueue(false), 2);
+  EXPECT_EQ(direct.count.load(), 1);
+  EXPECT_EQ(direct.lastObject.load(), t);  // queued actions get the thread
+  EXPECT_EQ(later.count.load(), 0);        // posted meanwhile: next call
+  EXPECT_EQ(t->processQueue(false), 1);
+  EXPECT_EQ(later.count.load(), 1);
+  EXPECT_EQ(t->processQueue(false), 0);
+  // untilEmpty also takes what is posted meanwhile.
+  t->addActionToQueue(&poster);
+  EXPECT_EQ(t->processQueue(true), 2);
+  EXPECT_EQ(later.count.load(), 2);
+}
+
+TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
+  Pipeline p;
+  sxThread* top = p.add();
+  sxThread* left = p.add();
+  sxThread* right = p.add();
+  sxThread* below = p.add();
+  ASSERT_TRUE(p.link(top, left));
+  ASSERT_TRUE(p.link(top, right));
+  ASSERT_TRUE(p.link(right, below));
+  for (sxThread* t : p.threads) t->run();
+  SlowAction work[4];
+  for (auto& w : work) w.ref();
+  for (int round = 0; round < 3; ++round) {
+    for (int i = 0; i < 4; ++i) p.threads[size_t(i)]->addActionToQueue(&work[i]);
+    withDeadline("flushQueue", [&] { top->flushQueue(); });
+    for (auto& w : work) EXPECT_EQ(w.count.load(), round + 1);
+  }
+  // Queued actions run on the thread they were posted to.
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(work[i].lastThread.load(), p.threads[size_t(i)]);
+}
+
+TEST(sxThreadQueue, SynchronousActionReturnsAfterTheThreadIsDoneWithIt) {
+  Pipeline p;
+  sxThread* t = p.add();
+  t->run();
+  sxBase target;
+  t->run(&target);
+  for (int round = 0; round < 20; ++round) {
+    auto* f = new RecordingFlush;
+    f->ref();
+    withDeadline("addActionToQueue", [&] { t->addActionToQueue(f); });
+    EXPECT_EQ(f->preThread.load(), t);
+    EXPECT_EQ(f->preTarget.load(), t);  // applied with the thread as object
+    EXPECT_EQ(f->postTarget.load(), t);
+    EXPECT_EQ(f->posts, 1);
+    f->unRef();  // freed at once: the thread must no longer touch it
+  }
+  t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
+}
+
+TEST(sxThreadQueue, FlushingFromInsideTheThreadItselfDoesNotWaitForItself) {
+  Pipeline p;
+  sxThread* t = p.add();
+  sxThread* d = p.add();
+  ASSERT_TRUE(p.link(t, d));
+  t->run();
+  d->run();
+  CountingAction queued;
+  queued.ref();
+  std::atomic<int> flushedInside{0};
+  FunctionAction selfFlush([&](sxBase* object, sxEvent*) {
+    auto* self = static_cast<sxThread*>(object);
+    self->addActionToQueue(&queued);
+    self->flushQueue();
+    RecordingFlush f;
+    f.ref();
+    self->addActionToQueue(&f);
+    flushedInside.store(queued.count.load() + f.posts);
+    return true;
+  });
+  selfFlush.ref();
+  t->addActionToQueue(&selfFlush);
+  ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));
+  EXPECT_EQ(flushedInside.load(), 2);
+}
+
+TEST(sxThreadQueue, DeadAndNeverStartedThreadsDoNotBlockFlushes) {
+  Pipeline p;
+  sxThread* dead = p.add();
+  CountingAction action;
+  action.ref();
+  RecordingFlush f;
+  f.ref();
+  dead->kill();
+  withDeadline("flush of a dead thread", [&] {
+    dead->addActionToQueue(&action);  // a dead thread runs no actions
+    dead->flushQueue();
+    dead->addActionToQueue(&f);
+  });
+  EXPECT_EQ(action.count.load(), 0);
+  EXPECT_EQ(f.posts, 1);
+  EXPECT_EQ(dead->processQueue(true), 0);
+}
+
+TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
+  Pipeline p;
+  sxThread* t = p.add();
+  sxThread* d = p.add();
+  ASSERT_TRUE(p.link(t, d));
+  t->run();
+  d->run();
+  constexpr int posters = 4, perPoster = 3000, flushEvery = 150;
+  std::vector<std::unique_ptr<CountingAction>> actions;
+  for (int i = 0; i < posters * perPoster; ++i) {
+    actions.push_back(std::make_unique<CountingAction>());
+    actions.back()->ref();
+  }
+  std::atomic<int> barrierFailures{0};
+  withDeadline("concurrent posts and flushes", [&] {
+    std::vector<std::thread> threads;
+    for (int k = 0; k < posters; ++k)
+      threads.emplace_back([&, k] {
+        for (int i = 0; i < perPoster; ++i) {
+          // Alternate the two threads so that the flush through the link
+          // is what brings the downstream items in.
+          sxThread* target = i % 2 ? d : t;
+          target->addActionToQueue(actions[size_t(k * perPoster + i)].get());
+          if ((i + 1) % flushEvery) continue;
+          t->flushQueue();
+          for (int j = 0; j <= i; ++j)
+            if (actions[size_t(k * perPoster + j)]->count.load() != 1) barrierFailures.fetch_add(1);
+        }
+      });
+    for (auto& th : threads) th.join();
+  });
+  EXPECT_EQ(barrierFailures.load(), 0);
+  int wrong = 0;
+  for (auto& a : actions) wrong += a->count.load() != 1;
+  EXPECT_EQ(wrong, 0);  // each carried out exactly once
+}
+
+TEST(sxThreadQueue, QueueBetweenTwoThreadsKeepsOrder) {
+  sxQueue q(int(sizeof(int)), 8);
+  q.setMode(sxQueue::GROWING);
+  constexpr int items = 100000;
+  std::atomic<bool> ordered{true};
+  std::thread consumer([&] {
+    int expected = 0, value = 0;
+    while (expected < items) {
+      if (!q.get(&value)) continue;
+      if (value != expected) ordered.store(false);
+      ++expected;
+    }
+  });
+  for (int i = 0; i < items; ++i) ASSERT_TRUE(q.put(&i));
+  consumer.join();
+  EXPECT_TRUE(ordered.load());
+  EXPECT_EQ(q.getCount(), 0);
+}
+
+}  // namespace
