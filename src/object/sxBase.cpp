@@ -63,7 +63,7 @@ sxBase::sxBase(const sxBase& source) : sxMemory(), flags(source.flags) {
   if (copyState.pendingUnlisted) {
     // The sxBase part of an arena copy: unlisted, its name in the arena.
     copyState.pendingUnlisted = false;
-    baseSlot = disposableSlot;
+    baseSlot.store(disposableSlot, std::memory_order_relaxed);
     name = copyInto(source.name, getCopyArena());
     return;
   }
@@ -89,7 +89,7 @@ sxBase::~sxBase() {
   if (!isDisposable()) {
     sxTypeRegistryLock lock;
     deleteInstance();
-    if (baseSlot >= 0)
+    if (baseSlot.load(std::memory_order_relaxed) >= 0)
       if (sxType* t = getClassType()) t->removeInstance(this);
   }
   if (attributes) {

@@ -167,8 +167,8 @@ void sxType::addInstance(sxBase* obj) {
   sxTypeRegistryLock lock;
   if (plugIn) plugIn->ref();
   if (this == sxBase::getClassType()) {
-    if (obj->baseSlot >= 0) return;
-    obj->baseSlot = std::int32_t(instances.size());
+    if (obj->baseSlot.load(std::memory_order_relaxed) >= 0) return;
+    obj->baseSlot.store(std::int32_t(instances.size()), std::memory_order_relaxed);
   } else if (obj->listedType == this) {
     return;
   } else if (!obj->listedType) {
@@ -191,7 +191,7 @@ void sxType::removeAt(std::size_t i) {
   instances.pop_back();
   if (i == last) return;
   if (this == sxBase::getClassType())
-    moved->baseSlot = std::int32_t(i);
+    moved->baseSlot.store(std::int32_t(i), std::memory_order_relaxed);
   else if (moved->listedType == this)
     moved->ownSlot = std::int32_t(i);
 }
@@ -201,10 +201,11 @@ bool sxType::removeInstance(sxBase* obj) {
   sxTypeRegistryLock lock;
   bool found = false;
   std::size_t n = instances.size();
-  if (this == sxBase::getClassType() && obj->baseSlot >= 0 && std::size_t(obj->baseSlot) < n &&
-      instances[obj->baseSlot] == obj) {
-    removeAt(std::size_t(obj->baseSlot));
-    obj->baseSlot = sxBase::unlistedSlot;
+  const std::int32_t baseSlot = obj->baseSlot.load(std::memory_order_relaxed);
+  if (this == sxBase::getClassType() && baseSlot >= 0 && std::size_t(baseSlot) < n &&
+      instances[std::size_t(baseSlot)] == obj) {
+    removeAt(std::size_t(baseSlot));
+    obj->baseSlot.store(sxBase::unlistedSlot, std::memory_order_relaxed);
     found = true;
   } else if (obj->listedType == this && obj->ownSlot >= 0 && std::size_t(obj->ownSlot) < n &&
              instances[obj->ownSlot] == obj) {

@@ -78,7 +78,7 @@ class SX_API sxBase : public sxMemory {
   // been carried out yet.
   static int getNumPendingDeletions();
   // True while obj is a copy made in an arena (never listed, never freed).
-  bool isDisposable() const { return baseSlot == disposableSlot; }
+  bool isDisposable() const { return baseSlot.load(std::memory_order_relaxed) == disposableSlot; }
 
   // Allocation goes through the accounted heap or an arena.
   static void* operator new(std::size_t size) noexcept { return sxMemory::malloc(size); }
@@ -125,5 +125,8 @@ class SX_API sxBase : public sxMemory {
   // the sxBase list.
   sxType* listedType = nullptr;
   std::int32_t ownSlot = unlistedSlot;
-  std::int32_t baseSlot = unlistedSlot;
+  // Atomic: another thread that removes some other object may move this one
+  // in the sxBase list (under the type lock) while this thread asks whether
+  // it is disposable (without it).
+  std::atomic<std::int32_t> baseSlot{unlistedSlot};
 };
