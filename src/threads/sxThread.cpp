@@ -128,7 +128,8 @@ void sxThread::threadMain(void* arg) {
     }
   }
   // A dead thread still honours deletions, syncs and flushes already queued.
-  if (!isDoomed(self)) self->drain();
+  // (Flushes that reach it later are carried out by their callers.)
+  if (!isDoomed(self)) self->processQueue(true);
   if (releaseDoomed(self)) delete self;
   currentThread = nullptr;
 }

@@ -233,6 +233,8 @@ void sxThread::carryOut(const Item& item) {
   }
 }
 
+// The destructor's last look at the queue: carried out until it is empty
+// and no caller that reached the thread through a link still flushes it.
 void sxThread::drain() {
   for (;;) {
     processQueue(true);

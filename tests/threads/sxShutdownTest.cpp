@@ -79,16 +79,18 @@ int shutdownWithPendingWork() {
   return allDone;
 }
 
-TEST(sxShutdown, CarriesOutPendingWorkOfRunningDownstreamThreadsAndReturns) {
-  // sxShutdown ends the kernel for the whole process, so it runs in a child.
+// Runs scenario in a forked child under two watchdogs (one in the child,
+// one here) and returns the child's exit code; a hang or a signal fails.
+void expectChildExit(int (*scenario)(), int expected) {
   std::fflush(nullptr);
   const pid_t child = fork();
   ASSERT_GE(child, 0);
   if (child == 0) {
-    alarm(60);  // the child's own watchdog
-    std::_Exit(shutdownWithPendingWork());
+    alarm(60);
+    const int code = scenario();
+    if (code >= 0) std::_Exit(code);
+    std::exit(0);  // a negative code asks for a normal exit with its clean-ups
   }
-  // The parent's watchdog: a shutdown that hangs fails the test.
   int status = 0;
   bool ended = false;
   const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(90);
@@ -102,10 +104,37 @@ TEST(sxShutdown, CarriesOutPendingWorkOfRunningDownstreamThreadsAndReturns) {
   if (!ended) {
     kill(child, SIGKILL);
     waitpid(child, &status, 0);
-    FAIL() << "sxShutdown did not return";
+    FAIL() << "the child did not finish";
   }
   ASSERT_TRUE(WIFEXITED(status)) << "the child ended with signal " << WTERMSIG(status);
-  EXPECT_EQ(WEXITSTATUS(status), allDone);
+  EXPECT_EQ(WEXITSTATUS(status), expected);
+}
+
+TEST(sxShutdown, CarriesOutPendingWorkOfRunningDownstreamThreadsAndReturns) {
+  // sxShutdown ends the kernel for the whole process, so it runs in a child.
+  expectChildExit(&shutdownWithPendingWork, allDone);
+}
+
+// Workers the application still holds when the process exits: the unload
+// clean-up stops them, whatever they are doing, and the exit completes.
+sxThread* leftRunning[3];
+
+int exitWithWorkersRunning() {
+  auto* busy = new CountingAction;
+  for (int i = 0; i < 3; ++i) {
+    leftRunning[i] = newWorker(i == 1 ? sxThread::TRIGGERED : sxThread::FREE_RUNNING);
+    leftRunning[i]->addAction(busy);
+    leftRunning[i]->addActionToQueue(busy);
+  }
+  leftRunning[0]->addDownstreamThread(leftRunning[1]);
+  leftRunning[0]->run();
+  leftRunning[1]->run();  // leftRunning[2] is never started
+  if (!sxtest::waitUntil([&] { return busy->count.load() > 2; })) return setUpFailed;
+  return -1;
+}
+
+TEST(sxShutdown, WorkersStillRunningAtExitAreStopped) {
+  expectChildExit(&exitWithWorkersRunning, 0);
 }
 
 }  // namespace
