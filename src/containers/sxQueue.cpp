@@ -100,6 +100,8 @@ bool sxQueue::put(const void* element) {
 
 bool sxQueue::get(void* out) {
   if (!out) return false;
+  // A reader polling an empty queue does not contend with the writers.
+  if (count.load(std::memory_order_relaxed) < 1) return false;
   sxiLockScope guard(lock);
   int n = count.load(std::memory_order_relaxed);
   if (n < 1) return false;
