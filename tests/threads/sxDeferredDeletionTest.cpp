@@ -135,13 +135,16 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   // A worker that drops the last reference to itself from its own action.
   auto* self = new sxThread;
   self->ref();
+  std::atomic<bool> handedOver{false};
   auto* once = new FunctionAction([&, done = false](sxBase*, sxEvent*) mutable {
-    if (!done) self->unRef();
+    if (done || !handedOver.load()) return true;
     done = true;
+    self->unRef();
     return true;
   });
   self->addAction(once);
   self->run();
+  handedOver.store(true);  // from here on only the worker uses the object
   EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
 }
 

@@ -136,6 +136,7 @@ TEST(sxThreadQueue, FlushingFromInsideTheThreadItselfDoesNotWaitForItself) {
   t->addActionToQueue(&selfFlush);
   ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));
   EXPECT_EQ(flushedInside.load(), 2);
+  t->kill();  // the action has returned before the locals it uses go
 }
 
 TEST(sxThreadQueue, DeadAndNeverStartedThreadsDoNotBlockFlushes) {
