@@ -15,7 +15,6 @@ SX_IMPLEMENT_CLASS(sxEvent, sxBase, sxType)
 struct sxEvent::Signal : sxPlatform::PulseEvent {};
 
 namespace {
-constexpr int initialActions = 4;
 // Events triggered inside one another on this thread.
 thread_local int chainDepth = 0;
 
@@ -26,25 +25,19 @@ void referenceAll(sxTList<T*>& to, const sxTList<T*>& from) {
 }
 }  // namespace
 
-sxEvent::sxEvent()
-    : sxBase(),
-      time(0.0),
-      actions(initialActions),
-      lastObject(nullptr),
-      lock(sxiReferenced(new sxLock)),
-      signal(sxNew<Signal>()),
-      enabled(true) {
+sxLock* sxEvent::newLock() {
+  return sxiReferenced(new sxLock);
+}
+
+sxEvent::Signal* sxEvent::newSignal() {
+  return sxNew<Signal>();
+}
+
+sxEvent::sxEvent() : sxBase() {
   initInstance();
 }
 
-sxEvent::sxEvent(const sxEvent& source)
-    : sxBase(source),
-      time(0.0),
-      actions(initialActions),
-      lastObject(nullptr),
-      lock(sxiReferenced(new sxLock)),
-      signal(sxNew<Signal>()),
-      enabled(true) {
+sxEvent::sxEvent(const sxEvent& source) : sxBase(source) {
   sxiLockScope guard(source.lock);
   enabled = source.enabled;
   referenceAll(actions, source.actions);
@@ -170,37 +163,37 @@ bool sxEvent::removeAction(sxEvent* event) {
   return true;
 }
 
+namespace {
+template <class T>
+T* entryOrNull(const sxTList<T*>& list, int i) {
+  return list.indexInRange(i) ? list[i] : nullptr;
+}
+}  // namespace
+
 bool sxEvent::isEnabled() const {
-  sxiLockScope guard(lock);
-  return enabled;
+  return sxiLocked(lock, [this] { return enabled; });
 }
 
 double sxEvent::getTime() const {
-  sxiLockScope guard(lock);
-  return time;
+  return sxiLocked(lock, [this] { return time; });
 }
 
 sxBase* sxEvent::getLastObject() const {
-  sxiLockScope guard(lock);
-  return lastObject;
+  return sxiLocked(lock, [this] { return lastObject; });
 }
 
 int sxEvent::getNumActions() const {
-  sxiLockScope guard(lock);
-  return actions.getNum();
+  return sxiLocked(lock, [this] { return actions.getNum(); });
 }
 
 sxAction* sxEvent::getAction(int i) const {
-  sxiLockScope guard(lock);
-  return actions.indexInRange(i) ? actions[i] : nullptr;
+  return sxiLocked(lock, [this, i] { return entryOrNull(actions, i); });
 }
 
 int sxEvent::getNumActionNodes() const {
-  sxiLockScope guard(lock);
-  return actionNodes.getNum();
+  return sxiLocked(lock, [this] { return actionNodes.getNum(); });
 }
 
 sxActionNode* sxEvent::getActionNode(int i) const {
-  sxiLockScope guard(lock);
-  return actionNodes.indexInRange(i) ? actionNodes[i] : nullptr;
+  return sxiLocked(lock, [this, i] { return entryOrNull(actionNodes, i); });
 }

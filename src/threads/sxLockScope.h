@@ -17,3 +17,10 @@ class sxiLockScope {
  private:
   sxLock* lock;
 };
+
+// The result of f, computed while lock is held.
+template <class F>
+auto sxiLocked(sxLock* lock, F&& f) {
+  sxiLockScope guard(lock);
+  return f();
+}

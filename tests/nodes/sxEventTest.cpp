@@ -8,10 +8,7 @@
 
 namespace {
 
-using sxtest::CountingAction;
-using sxtest::FunctionAction;
-using sxtest::staysAt;
-using sxtest::waitUntil;
+using namespace sxtest;
 
 // An action node that records its notifications.
 class RecordingNode : public sxActionNode {

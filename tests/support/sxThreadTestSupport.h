@@ -55,6 +55,25 @@ class Probe : public sxBase {
   std::atomic<int>* slot;
 };
 
+// A new Probe, referenced and released once.
+inline Probe* releasedProbe(std::atomic<int>* destroyed) {
+  auto* p = new Probe(destroyed);
+  p->ref();
+  p->unRef();
+  return p;
+}
+
+// True when the class can be created by name (in any letter case) and the
+// result is of exactly that class.
+inline bool createsByName(const char* name, const sxType* type) {
+  sxBase* made = sxType::createInstance(name);
+  if (!made) return false;
+  const bool exact = made->isOfExactType(type);
+  made->ref();
+  made->unRef();
+  return exact;
+}
+
 // Polls pred for at most timeoutMs; true once it holds.
 inline bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 20000) {
   auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
@@ -106,6 +125,25 @@ class Pipeline {
     if (!up->addDownstreamThread(down)) return false;
     links.emplace_back(up, down);
     return true;
+  }
+  // A new thread linked below up.
+  sxThread* addBelow(sxThread* up, sxThread::MODE mode = sxThread::FREE_RUNNING) {
+    sxThread* t = add(mode);
+    return link(up, t) ? t : nullptr;
+  }
+  // n new threads, each linked below the one before and the first below
+  // above (if given); the first of them, or null when a link failed.
+  sxThread* chain(int n, sxThread* above = nullptr) {
+    sxThread* first = nullptr;
+    for (int i = 0; i < n; ++i) {
+      above = above ? addBelow(above) : add();
+      if (!above) return nullptr;
+      if (!first) first = above;
+    }
+    return first;
+  }
+  void runAll() {
+    for (sxThread* t : threads) t->run();
   }
   ~Pipeline() {
     for (sxThread* t : threads) t->kill();

@@ -10,11 +10,7 @@
 
 namespace {
 
-using sxtest::FunctionAction;
-using sxtest::Pipeline;
-using sxtest::Probe;
-using sxtest::waitUntil;
-using sxtest::withDeadline;
+using namespace sxtest;
 
 sxThread* app() {
   return sxGetAppThread();
@@ -30,9 +26,7 @@ TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
   ASSERT_EQ(sxThread::getTotalNumDownstreamThreads(), 0);
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
-  auto* a = new Probe(&destroyed);
-  a->ref();
-  a->unRef();
+  releasedProbe(&destroyed);
   EXPECT_EQ(destroyed.load(), 1);
   // An object nobody referenced dies on its first release too.
   auto* b = new Probe(&destroyed);
@@ -43,15 +37,13 @@ TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
 
 TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
   Pipeline p;
-  sxThread* d1 = p.add();  // never run: their queues are carried out here
-  sxThread* d2 = p.add();
-  ASSERT_TRUE(p.link(app(), d1));
-  ASSERT_TRUE(p.link(app(), d2));
+  // Never run: their queues are carried out from here.
+  sxThread* d1 = p.addBelow(app());
+  sxThread* d2 = p.addBelow(app());
+  ASSERT_TRUE(d1 && d2);
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
-  auto* obj = new Probe(&destroyed);
-  obj->ref();
-  obj->unRef();
+  Probe* obj = releasedProbe(&destroyed);
   EXPECT_EQ(destroyed.load(), 0);
   EXPECT_EQ(obj->getRefCount(), -3);
   EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
@@ -76,8 +68,8 @@ TEST(sxDeferredDeletion, AppThreadDeletionHandsTheObjectBack) {
   AppThreadDeletion on;
   EXPECT_TRUE(sxThread::isAppThreadDeletionEnabled());
   Pipeline p;
-  sxThread* d = p.add();
-  ASSERT_TRUE(p.link(app(), d));
+  sxThread* d = p.addBelow(app());
+  ASSERT_TRUE(d);
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
   auto* obj = new Probe(&destroyed);
@@ -93,11 +85,10 @@ TEST(sxDeferredDeletion, AppThreadDeletionHandsTheObjectBack) {
 
 TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   Pipeline p;
-  sxThread* a = p.add();
-  sxThread* b = p.add();
+  sxThread* a = p.chain(2, app());
+  ASSERT_TRUE(a);
+  sxThread* b = p.threads[1];
   sxThread* c = p.add();
-  ASSERT_TRUE(p.link(app(), a));
-  ASSERT_TRUE(p.link(a, b));
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
   auto* early = new Probe(&destroyed);
@@ -165,12 +156,9 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
   std::vector<Probe*> forC;
   {
     Pipeline p;
-    sxThread* a = p.add();
-    sxThread* b = p.add();
-    sxThread* c = p.add();
-    ASSERT_TRUE(p.link(app(), a));
-    ASSERT_TRUE(p.link(a, b));
-    ASSERT_TRUE(p.link(b, c));
+    sxThread* a = p.chain(3, app());
+    ASSERT_TRUE(a);
+    sxThread* c = p.threads[2];
     auto* releaser = new FunctionAction([&](sxBase*, sxEvent*) {
       std::lock_guard<std::mutex> lock(handOver);
       for (int k = 0; k < 50 && !forC.empty(); ++k) {
@@ -180,7 +168,7 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
       return true;
     });
     c->addAction(releaser);
-    for (sxThread* t : p.threads) t->run();
+    p.runAll();
     withDeadline("release under load", [&] {
       for (int i = 0; i < objects; ++i) {
         if (i % 5 == 4) {

@@ -8,6 +8,29 @@
 
 namespace {
 
+// Holds a lock on a thread of its own until release().
+class Holder {
+ public:
+  explicit Holder(sxLock& lock)
+      : thread([this, &lock] {
+          lock.acquire();
+          held.store(true);
+          sxtest::waitUntil([this] { return done.load(); });
+          lock.release();
+        }) {
+    sxtest::waitUntil([this] { return held.load(); });
+  }
+  ~Holder() { release(); }
+  void release() {
+    done.store(true);
+    if (thread.joinable()) thread.join();
+  }
+
+ private:
+  std::atomic<bool> held{false}, done{false};
+  std::thread thread;
+};
+
 // True when another thread can take the lock without waiting (and gives it
 // back at once).
 bool freeForOthers(sxLock& lock) {
@@ -20,17 +43,23 @@ bool freeForOthers(sxLock& lock) {
   return taken;
 }
 
+// The lock is held (by this thread) until one release frees it.
+void expectFreedByOneRelease(sxLock& lock) {
+  EXPECT_TRUE(lock.isHeldByCurrentThread());
+  EXPECT_FALSE(freeForOthers(lock));
+  lock.release();
+  EXPECT_FALSE(lock.isHeldByCurrentThread());
+  EXPECT_TRUE(freeForOthers(lock));
+}
+
 TEST(sxLock, RecursiveOwnershipAndRelease) {
   sxLock lock;
   EXPECT_TRUE(lock.acquire());
   EXPECT_TRUE(lock.acquire(0));  // the owner re-enters without waiting
   EXPECT_TRUE(lock.isHeldByCurrentThread());
   EXPECT_FALSE(freeForOthers(lock));
-  lock.release();
-  EXPECT_FALSE(freeForOthers(lock));  // still held once
-  lock.release();
-  EXPECT_FALSE(lock.isHeldByCurrentThread());
-  EXPECT_TRUE(freeForOthers(lock));
+  lock.release();  // still held once
+  expectFreedByOneRelease(lock);
   // Releasing a lock that is not held changes nothing.
   lock.release();
   EXPECT_TRUE(freeForOthers(lock));
@@ -38,14 +67,7 @@ TEST(sxLock, RecursiveOwnershipAndRelease) {
 
 TEST(sxLock, TimeoutsWhileAnotherThreadHolds) {
   sxLock lock;
-  std::atomic<bool> held{false}, done{false};
-  std::thread holder([&] {
-    lock.acquire();
-    held.store(true);
-    sxtest::waitUntil([&] { return done.load(); });
-    lock.release();
-  });
-  ASSERT_TRUE(sxtest::waitUntil([&] { return held.load(); }));
+  Holder holder(lock);
   EXPECT_FALSE(lock.acquire(0));
   auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(lock.acquire(30));
@@ -60,9 +82,8 @@ TEST(sxLock, TimeoutsWhileAnotherThreadHolds) {
   });
   EXPECT_TRUE(sxtest::staysAt([&] { return int(got.load()); }));
   EXPECT_FALSE(got.load());
-  done.store(true);
+  holder.release();
   waiter.join();
-  holder.join();
   EXPECT_TRUE(got.load());
 }
 
@@ -89,10 +110,7 @@ TEST(sxLock, AvailableTakesOwnership) {
   sxLock lock;
   ASSERT_TRUE(lock.available());
   // The test succeeded, so the caller now holds the lock.
-  EXPECT_TRUE(lock.isHeldByCurrentThread());
-  EXPECT_FALSE(freeForOthers(lock));
-  lock.release();
-  EXPECT_TRUE(freeForOthers(lock));
+  expectFreedByOneRelease(lock);
 }
 
 TEST(sxLock, CopyIsANewUnownedLock) {
@@ -111,14 +129,7 @@ TEST(sxLock, CopyIsANewUnownedLock) {
 TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   sxLock mine, theirs;
   mine.acquire();
-  std::atomic<bool> held{false}, done{false};
-  std::thread holder([&] {
-    theirs.acquire();
-    held.store(true);
-    sxtest::waitUntil([&] { return done.load(); });
-    theirs.release();
-  });
-  ASSERT_TRUE(sxtest::waitUntil([&] { return held.load(); }));
+  Holder holder(theirs);
 
   ASSERT_TRUE(sxLock::isEnabled());
   sxLock::enableAll(false);
@@ -136,8 +147,7 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_FALSE(mine.isHeldByCurrentThread());
   EXPECT_TRUE(freeForOthers(mine));
   EXPECT_FALSE(theirs.acquire(0));
-  done.store(true);
-  holder.join();
+  holder.release();
   EXPECT_TRUE(freeForOthers(theirs));
 }
 
@@ -148,11 +158,7 @@ TEST(sxLock, ClassRecordAndKernelLocks) {
        {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
     named += sxLock::find(n) != nullptr;
   EXPECT_EQ(named, 5);
-  sxBase* made = sxType::createInstance("sxlock");
-  ASSERT_NE(made, nullptr);
-  EXPECT_TRUE(made->isOfExactType(sxLock::getClassType()));
-  made->ref();
-  made->unRef();
+  EXPECT_TRUE(sxtest::createsByName("sxlock", sxLock::getClassType()));
 }
 
 }  // namespace

@@ -130,11 +130,7 @@ TEST(sxSemaphore, CopyAndCreationByName) {
   EXPECT_TRUE(copy.dec(0));
   EXPECT_EQ(source.getAvailable(), 3);  // independent counts
 
-  sxBase* made = sxType::createInstance("SXSEMAPHORE");
-  ASSERT_NE(made, nullptr);
-  EXPECT_TRUE(made->isOfExactType(sxSemaphore::getClassType()));
-  made->ref();
-  made->unRef();
+  EXPECT_TRUE(sxtest::createsByName("SXSEMAPHORE", sxSemaphore::getClassType()));
 }
 
 }  // namespace

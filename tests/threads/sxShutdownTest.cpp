@@ -14,8 +14,7 @@
 
 namespace {
 
-using sxtest::CountingAction;
-using sxtest::Probe;
+using namespace sxtest;
 
 // What the child found; 0 when all was well.
 enum Outcome {

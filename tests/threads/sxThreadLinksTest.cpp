@@ -4,7 +4,7 @@
 
 namespace {
 
-using sxtest::Pipeline;
+using namespace sxtest;
 
 TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
   const int links = sxThread::getTotalNumDownstreamThreads();
@@ -45,12 +45,10 @@ TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
   Pipeline p;
   sxThread* first = p.add();
   sxThread* second = p.add();
-  sxThread* fed = p.add();
-  sxThread* sibling = p.add();
-  sxThread* stranger = p.add();
-  ASSERT_TRUE(p.link(first, fed));
+  sxThread* fed = p.addBelow(first);
   ASSERT_TRUE(p.link(second, fed));
-  ASSERT_TRUE(p.link(first, sibling));
+  sxThread* sibling = p.addBelow(first);
+  sxThread* stranger = p.add();
   EXPECT_EQ(fed->getUpstreamThread(), first);
   EXPECT_EQ(fed->getNumUpstreamThreads(), 2);
 

@@ -9,12 +9,7 @@
 
 namespace {
 
-using sxtest::CountingAction;
-using sxtest::FunctionAction;
-using sxtest::Pipeline;
-using sxtest::staysAt;
-using sxtest::waitUntil;
-using sxtest::withDeadline;
+using namespace sxtest;
 
 // Sleeps, then counts: keeps a thread busy so that a flush has to wait.
 class SlowAction : public CountingAction {
@@ -75,13 +70,10 @@ TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
 TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   Pipeline p;
   sxThread* top = p.add();
-  sxThread* left = p.add();
-  sxThread* right = p.add();
-  sxThread* below = p.add();
-  ASSERT_TRUE(p.link(top, left));
-  ASSERT_TRUE(p.link(top, right));
-  ASSERT_TRUE(p.link(right, below));
-  for (sxThread* t : p.threads) t->run();
+  ASSERT_TRUE(p.addBelow(top));
+  sxThread* right = p.addBelow(top);
+  ASSERT_TRUE(p.addBelow(right));
+  p.runAll();
   SlowAction work[4];
   for (auto& w : work) w.ref();
   for (int round = 0; round < 3; ++round) {
@@ -112,13 +104,17 @@ TEST(sxThreadQueue, SynchronousActionReturnsAfterTheThreadIsDoneWithIt) {
   t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
 }
 
+// Two running threads, the second below the first; returns the first.
+sxThread* runningPair(Pipeline& p) {
+  sxThread* first = p.chain(2);
+  if (first) p.runAll();
+  return first;
+}
+
 TEST(sxThreadQueue, FlushingFromInsideTheThreadItselfDoesNotWaitForItself) {
   Pipeline p;
-  sxThread* t = p.add();
-  sxThread* d = p.add();
-  ASSERT_TRUE(p.link(t, d));
-  t->run();
-  d->run();
+  sxThread* t = runningPair(p);
+  ASSERT_TRUE(t);
   CountingAction queued;
   queued.ref();
   std::atomic<int> flushedInside{0};
@@ -159,11 +155,9 @@ TEST(sxThreadQueue, DeadAndNeverStartedThreadsDoNotBlockFlushes) {
 
 TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
   Pipeline p;
-  sxThread* t = p.add();
-  sxThread* d = p.add();
-  ASSERT_TRUE(p.link(t, d));
-  t->run();
-  d->run();
+  sxThread* t = runningPair(p);
+  ASSERT_TRUE(t);
+  sxThread* d = p.threads[1];
   constexpr int posters = 4, perPoster = 3000, flushEvery = 150;
   std::vector<std::unique_ptr<CountingAction>> actions;
   for (int i = 0; i < posters * perPoster; ++i) {

@@ -10,11 +10,7 @@
 
 namespace {
 
-using sxtest::CountingAction;
-using sxtest::FunctionAction;
-using sxtest::Pipeline;
-using sxtest::staysAt;
-using sxtest::waitUntil;
+using namespace sxtest;
 
 template <class A, class... Args>
 A* newAction(Args&&... args) {

@@ -72,11 +72,15 @@ class SX_API sxEvent : public sxBase {
   struct Signal;
   int findChained(const sxEvent* event) const;
 
-  double time;
-  sxTList<sxAction*> actions;
+  static constexpr int initialActions = 4;
+  static sxLock* newLock();
+  static Signal* newSignal();
+
+  double time = 0.0;
+  sxTList<sxAction*> actions{initialActions};
   sxTList<sxActionNode*> actionNodes;
-  sxBase* lastObject;
-  sxLock* lock;
-  Signal* signal;
-  bool enabled;
+  sxBase* lastObject = nullptr;
+  sxLock* lock = newLock();
+  Signal* signal = newSignal();
+  bool enabled = true;
 };
