@@ -112,6 +112,33 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
 }
 
+TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) {
+  // app feeds a and b, both feed d (d's upstream is a); dead hangs below a;
+  // x feeds y apart from the application thread. Five links, so a release
+  // counts -6, but only app, a, b and d pass the object.
+  Pipeline p;
+  sxThread* a = p.addBelow(app());
+  sxThread* b = p.addBelow(app());
+  ASSERT_TRUE(a && b);
+  sxThread* d = p.addBelow(a);
+  ASSERT_TRUE(d && p.link(b, d));
+  sxThread* dead = p.addBelow(a);
+  sxThread* x = p.chain(2);
+  ASSERT_TRUE(dead && x);
+  dead->kill();
+  const int pending = sxBase::getNumPendingDeletions();
+  std::atomic<int> destroyed{0};
+  Probe* obj = releasedProbe(&destroyed);
+  EXPECT_EQ(obj->getRefCount(), -1 - sxThread::getTotalNumDownstreamThreads());
+  app()->processQueue(false);
+  a->processQueue(false);
+  b->processQueue(false);
+  EXPECT_EQ(d->processQueue(false), 1);  // once, from its upstream a
+  EXPECT_EQ(destroyed.load(), 1);
+  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+  for (sxThread* t : p.threads) EXPECT_EQ(t->processQueue(true), 0);
+}
+
 TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   const int threads = sxThread::getNum();
   auto* w = new sxThread;
