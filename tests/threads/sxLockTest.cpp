@@ -52,19 +52,6 @@ void expectFreedByOneRelease(sxLock& lock) {
   EXPECT_TRUE(freeForOthers(lock));
 }
 
-TEST(sxLock, RecursiveOwnershipAndRelease) {
-  sxLock lock;
-  EXPECT_TRUE(lock.acquire());
-  EXPECT_TRUE(lock.acquire(0));  // the owner re-enters without waiting
-  EXPECT_TRUE(lock.isHeldByCurrentThread());
-  EXPECT_FALSE(freeForOthers(lock));
-  lock.release();  // still held once
-  expectFreedByOneRelease(lock);
-  // Releasing a lock that is not held changes nothing.
-  lock.release();
-  EXPECT_TRUE(freeForOthers(lock));
-}
-
 TEST(sxLock, TimeoutsWhileAnotherThreadHolds) {
   sxLock lock;
   Holder holder(lock);
