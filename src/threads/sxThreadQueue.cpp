@@ -276,9 +276,13 @@ void sxThread::processDeleteRef(sxBase* obj) {
       if (t->upstream == this && !t->isDead() && t->post(DELETE_REF, obj)) ++posted;
     }
     if (sxiDeletion::settle(obj, posted - 1) > 0) return;
-    // The last thread has seen the request.
+    // The last thread has seen the request. Another thread's object goes
+    // back to the application thread in any case: destroying it joins that
+    // thread, which may be waiting for this one (flushing it).
     sxThread* app = sxGetAppThread();
-    if (appThreadDeletion.load() && app && app->post(DELETE_NOW, obj)) {
+    const bool handBack =
+        appThreadDeletion.load() || (obj != this && this != app && obj->isOfType(getClassType()));
+    if (handBack && app && app->post(DELETE_NOW, obj)) {
       sxiDeletion::settle(obj, 1);
       return;
     }

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
+#include <thread>
 #include <vector>
 
 #include "support/sxThreadTestSupport.h"
@@ -164,6 +165,35 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   self->run();
   handedOver.store(true);  // from here on only the worker uses the object
   EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
+}
+
+TEST(sxDeferredDeletion, AThreadIsNeverJoinedByAThreadItWaitsFor) {
+  // a feeds b. a's object is released; b is the last to pass it, at a time
+  // when a waits for b to flush. Destroying a there would join a from b.
+  const int threads = sxThread::getNum();
+  Pipeline p;
+  auto* a = new sxThread;
+  a->ref();
+  ASSERT_TRUE(app()->addDownstreamThread(a));
+  sxThread* b = p.add();
+  ASSERT_TRUE(a->addDownstreamThread(b));  // a takes this link along
+  a->run();
+  b->run();
+  auto* slow = new FunctionAction([](sxBase*, sxEvent*) {
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    return true;
+  });
+  slow->ref();
+  b->addActionToQueue(slow);  // keeps b busy while a's request arrives
+  a->unRef();
+  app()->processQueue(false);  // the request goes to a, then on to b
+  withDeadline("flush while the thread's own deletion passes", [&] {
+    a->flushQueue();
+    while (app()->processQueue(true) > 0) {
+    }
+  });
+  EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads + 1; }));
+  slow->unRef();
 }
 
 // Releases 100,000 objects while a chain of three downstream threads runs;
