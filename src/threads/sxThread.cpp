@@ -76,9 +76,7 @@ sxThread::sxThread(bool isAppThread)
 sxThread::~sxThread() {
   if (!isAppThread()) {
     markDead();
-    wake();
-    if (std::uintptr_t h = handle.exchange(0))
-      currentThread == this ? sxPlatform::detachThread(h) : sxPlatform::joinThread(h);
+    endThread();
   }
   unlinkAll();
   drain();
@@ -157,6 +155,15 @@ void sxThread::wake() {
   if (trigger) trigger->inc();
 }
 
+// Wakes a dead worker wherever it waits and waits for it to end. On the
+// worker itself (its object destroyed as its loop unwinds) the thread is
+// let go instead: it ends right after.
+void sxThread::endThread() {
+  wake();
+  if (std::uintptr_t h = handle.exchange(0))
+    currentThread == this ? sxPlatform::detachThread(h) : sxPlatform::joinThread(h);
+}
+
 // --- run, suspend, kill
 
 void sxThread::setThreadMode(MODE m) {
@@ -184,11 +191,12 @@ void sxThread::suspend() {
 
 void sxThread::kill() {
   if (isAppThread() || !markDead()) return;
-  wake();
   // A thread that kills itself ends when its current step returns; the
   // handle stays for whoever destroys the object.
-  if (currentThread != this)
-    if (std::uintptr_t h = handle.exchange(0)) sxPlatform::joinThread(h);
+  if (currentThread == this)
+    wake();
+  else
+    endThread();
   threadId.store(0);
 }
 
@@ -204,8 +212,10 @@ void sxThread::stopAllWorkers() {
     workers.add(t);
   }
   type->unlockInstanceList();
+  // Dead ones too: a thread that died on its own may still be finishing.
   for (sxThread* t : workers) {
-    t->kill();
+    t->markDead();
+    if (currentThread != t) t->endThread();
     t->unpin();
   }
 }
