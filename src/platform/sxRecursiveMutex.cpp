@@ -6,22 +6,28 @@
 // a depth for recursion. Only the blocking step is platform-specific.
 
 namespace {
-constexpr int spinRounds = 100;
-}
+constexpr int spinRounds = 40;
+constexpr int maxPause = 16;
+}  // namespace
 
 bool sxPlatform::RecursiveMutex::acquire(int timeoutMs) {
   const std::uint32_t self = currentThreadId();
-  if (owner.load(std::memory_order_relaxed) == self) {
-    ++depth;
-    return true;
-  }
+  // The exchange comes first: a free lock is then taken with one exclusive
+  // access to its cache line. Only a held lock can be the caller's own.
   int c = 0;
   if (!state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed)) {
+    if (owner.load(std::memory_order_relaxed) == self) {
+      ++depth;
+      return true;
+    }
     if (timeoutMs == 0) return false;
     // Critical sections of the library are short: spinning a little before
     // sleeping keeps two threads that share a queue out of the kernel.
-    for (int i = 0; i < spinRounds && c != 0; ++i) {
-      cpuRelax();
+    // The pause between looks grows, so that a spinner does not keep
+    // pulling the lock's cache line away from the thread that holds it.
+    for (int i = 0, pause = 1; i < spinRounds && c != 0; ++i) {
+      for (int k = 0; k < pause; ++k) cpuRelax();
+      if (pause < maxPause) pause *= 2;
       if (state.load(std::memory_order_relaxed) != 0) continue;
       c = 0;
       if (state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed))
