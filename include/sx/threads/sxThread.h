@@ -87,7 +87,10 @@ class SX_API sxThread : public sxBase {
   // Returns when this thread and, recursively, all its downstream threads
   // have carried out everything posted to them before. A thread flushing
   // itself, a dead thread and (during shutdown) a thread that does not loop
-  // freely are carried out by the caller.
+  // freely are carried out by the caller. Otherwise the caller waits for the
+  // thread to get there: a suspended thread, or one waiting for a trigger,
+  // keeps it waiting until run(). With semaphores switched off nothing
+  // waits.
   virtual void flushQueue();
   virtual bool inCurrentThread() const;
   virtual int getNumDownstreamThreads() const;
