@@ -36,12 +36,18 @@ TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
   EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
 }
 
+// Two threads linked below the application thread. The tests never run
+// them: they carry out the queues themselves, step by step.
+bool twoBelowApp(Pipeline& p, sxThread*& first, sxThread*& second) {
+  first = p.addBelow(app());
+  second = p.addBelow(app());
+  return first && second;
+}
+
 TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
   Pipeline p;
-  // Never run: their queues are carried out from here.
-  sxThread* d1 = p.addBelow(app());
-  sxThread* d2 = p.addBelow(app());
-  ASSERT_TRUE(d1 && d2);
+  sxThread *d1, *d2;
+  ASSERT_TRUE(twoBelowApp(p, d1, d2));
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
   Probe* obj = releasedProbe(&destroyed);
@@ -118,9 +124,8 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   // x feeds y apart from the application thread. Five links, so a release
   // counts -6, but only app, a, b and d pass the object.
   Pipeline p;
-  sxThread* a = p.addBelow(app());
-  sxThread* b = p.addBelow(app());
-  ASSERT_TRUE(a && b);
+  sxThread *a, *b;
+  ASSERT_TRUE(twoBelowApp(p, a, b));
   sxThread* d = p.addBelow(a);
   ASSERT_TRUE(d && p.link(b, d));
   sxThread* dead = p.addBelow(a);
