@@ -2,6 +2,7 @@
 #include <sx/nodes/sxAction.h>
 #include <sx/nodes/sxActionNode.h>
 #include <sx/nodes/sxEvent.h>
+#include <sx/persist/sxEntry.h>
 #include <sx/threads/sxLock.h>
 
 #include "nodes/sxEventAction.h"
@@ -114,6 +115,19 @@ bool sxEvent::waitForTrigger() {
 bool sxEvent::apply(sxBase* object, sxEvent*) {
   trigger(object);
   return true;
+}
+
+sxEntry* sxEvent::write(sxFile* file, sxEntry* entry) const {
+  sxEntry* created = sxBase::write(file, entry);
+  sxEntry* e = entry ? entry : created;
+  if (e) e->writeInt(isEnabled() ? 1 : 0);
+  return created;
+}
+
+sxEntry* sxEvent::read(sxFile* file, sxEntry* entry) {
+  sxEntry* e = sxBase::read(file, entry);
+  if (e) enable(e->readInt() != 0);
+  return e;
 }
 
 bool sxEvent::addAction(sxAction* action) {

@@ -4,6 +4,7 @@
 #include <thread>
 #include <vector>
 
+#include "support/sxTestFiles.h"
 #include "support/sxThreadTestSupport.h"
 
 namespace {
@@ -282,6 +283,39 @@ TEST(sxEvent, ActionAndActionNodeAreAbstractAndEventsCopy) {
   source->unRef();
   EXPECT_EQ(action->getRefCount(), 1);
   action->unRef();
+}
+
+TEST(sxEvent, FileRecordKeepsNameAndEnabledFlag) {
+  sxTempDir dir;
+  const std::string path = dir.file("events.sx");
+  for (bool enabled : {false, true}) {
+    {
+      sxEvent* e = held(new sxEvent);
+      e->setName("door");
+      e->enable(enabled);
+      e->addAction(held(new CountingAction));  // not stored
+      sxBase plain;                            // the same sxBase fields
+      plain.setName("door");
+      sxFile f;
+      ASSERT_TRUE(f.create(path.c_str()));
+      ASSERT_NE(e->write(&f, nullptr), nullptr);
+      ASSERT_NE(plain.write(&f, nullptr), nullptr);
+      ASSERT_TRUE(f.write());
+      e->getAction(0)->unRef();
+      e->unRef();
+    }
+    sxFile f;
+    ASSERT_TRUE(f.open(path.c_str(), "r"));
+    sxEvent* back = held(new sxEvent);
+    back->enable(!enabled);
+    ASSERT_EQ(back->read(&f, nullptr), f.getEntry(0));
+    EXPECT_STREQ(back->getName(), "door");
+    EXPECT_EQ(back->isEnabled(), enabled);
+    EXPECT_EQ(back->getNumActions(), 0);
+    // The record is sxBase's followed by one int.
+    EXPECT_EQ(f.getEntry(0)->getDataSize(), f.getEntry(1)->getDataSize() + 4);
+    back->unRef();
+  }
 }
 
 }  // namespace

@@ -5,6 +5,8 @@
 
 class sxAction;
 class sxActionNode;
+class sxEntry;
+class sxFile;
 class sxLock;
 
 // A named, shareable trigger point. Triggering records the time and the
@@ -44,6 +46,11 @@ class SX_API sxEvent : public sxBase {
   virtual bool addAction(sxAction* action);
   // As an action of another event: triggers this event with object.
   virtual bool apply(sxBase* object, sxEvent* event);
+
+  // The file record adds the enabled flag to sxBase's (as an int, 0 or 1);
+  // actions are not stored.
+  sxEntry* read(sxFile* file, sxEntry* entry) override;
+  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
   bool addAction(sxActionNode* node);
   // Chains event: it is triggered, with the same object, whenever this one
