@@ -15,6 +15,16 @@ namespace {
 constinit std::atomic<std::size_t> mSize{0};
 constinit std::atomic<bool> classInitialized{false};
 
+// Accounts a block that moved or changed size from old usable bytes to q's.
+inline void* reaccounted(void* q, std::size_t old) {
+  std::size_t now = sxPlatform::usableSize(q);
+  if (now >= old)
+    mSize.fetch_add(now - old, std::memory_order_relaxed);
+  else
+    mSize.fetch_sub(old - now, std::memory_order_relaxed);
+  return q;
+}
+
 inline void* accounted(void* p) {
   if (p) mSize.fetch_add(sxPlatform::usableSize(p), std::memory_order_relaxed);
   return p;
@@ -54,25 +64,14 @@ void* sxMemory::realloc(void* p, std::size_t size) {
   if (!p && size == 0) return nullptr;
   void* q = std::realloc(p, size);
   if (!q) return nullptr;  // the old block stays valid and accounted
-  std::size_t now = sxPlatform::usableSize(q);
-  if (now >= old)
-    mSize.fetch_add(now - old, std::memory_order_relaxed);
-  else
-    mSize.fetch_sub(old - now, std::memory_order_relaxed);
-  return q;
+  return reaccounted(q, old);
 }
 
 void* sxMemory::shrink(void* p, std::size_t size) {
   std::size_t old = getSize(p);
   if (!p || size == 0 || size >= old) return p;
   void* q = std::realloc(p, size);
-  if (!q) return p;
-  std::size_t now = sxPlatform::usableSize(q);
-  if (now >= old)
-    mSize.fetch_add(now - old, std::memory_order_relaxed);
-  else
-    mSize.fetch_sub(old - now, std::memory_order_relaxed);
-  return q;
+  return q ? reaccounted(q, old) : p;
 }
 
 void sxMemory::free(void* p) {
