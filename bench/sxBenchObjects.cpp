@@ -1,8 +1,11 @@
 // Costs of the object model: reference counting, creating and destroying
-// objects, and arena allocation, each beside its plain counterpart.
+// objects, and arena allocation, each beside its plain counterpart. Run
+// with the heap kept between iterations (see sxBenchMain.h).
 
 #include <benchmark/benchmark.h>
+
 #include <sx/sxCore.h>
+#include "sxBenchMain.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -102,4 +105,4 @@ BENCHMARK(BM_ArenaMalloc32);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+SX_BENCHMARK_MAIN_KEEPING_HEAP()

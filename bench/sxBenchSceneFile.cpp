@@ -8,13 +8,10 @@
 // what was in use before it (sampled by a second thread every 100 us);
 // peakRatio = peakMB / graphMB.
 //
-// The process keeps the heap memory it frees (mallopt below): otherwise the
-// C library returns the hundreds of megabytes that one iteration frees and
-// the next one faults them in again, and the figures measure the kernel
-// zeroing pages (dearly, on a virtual machine) rather than the library.
-// SXCORE_BENCH_DEFAULT_MALLOC=1 leaves the C library's defaults in place.
+// Run with the heap kept between iterations (see sxBenchMain.h).
 
 #include <benchmark/benchmark.h>
+
 #include <sx/containers/sxArray.h>
 #include <sx/nodes/sxGroup.h>
 #include <sx/object/sxBase.h>
@@ -23,6 +20,7 @@
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
+#include "sxBenchMain.h"
 
 #include <malloc.h>
 #include <unistd.h>
@@ -181,15 +179,4 @@ BENCHMARK(BM_Import)->Arg(5)->Arg(6)->Unit(benchmark::kMillisecond)->Iterations(
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  if (!std::getenv("SXCORE_BENCH_DEFAULT_MALLOC")) {
-    mallopt(M_TRIM_THRESHOLD, 1 << 30);
-    mallopt(M_MMAP_THRESHOLD, 32 << 20);
-    mallopt(M_TOP_PAD, 256 << 20);
-  }
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}
+SX_BENCHMARK_MAIN_KEEPING_HEAP()

@@ -12,14 +12,15 @@ constexpr int maxPause = 16;
 
 bool sxPlatform::RecursiveMutex::acquire(int timeoutMs) {
   const std::uint32_t self = currentThreadId();
-  // The exchange comes first: a free lock is then taken with one exclusive
-  // access to its cache line. Only a held lock can be the caller's own.
+  // The library nests its locks a lot (the type registry takes its lock
+  // inside its own calls), so the owner test comes first: a nested acquire
+  // is then a plain load instead of a failing atomic exchange.
+  if (owner.load(std::memory_order_relaxed) == self) {
+    ++depth;
+    return true;
+  }
   int c = 0;
   if (!state.compare_exchange_strong(c, 1, std::memory_order_acquire, std::memory_order_relaxed)) {
-    if (owner.load(std::memory_order_relaxed) == self) {
-      ++depth;
-      return true;
-    }
     if (timeoutMs == 0) return false;
     // Critical sections of the library are short: spinning a little before
     // sleeping keeps two threads that share a queue out of the kernel.
