@@ -3,6 +3,7 @@
 #include <sx/math/sxVec3.h>
 #include <sx/sxExport.h>
 
+class sxEntry;
 class sxPlane;
 class sxQuat;
 
@@ -133,6 +134,12 @@ class SX_API sxMatrix {
   // Exact comparison of the sixteen values; the type words are not compared.
   bool operator==(const sxMatrix& m) const;
   bool operator!=(const sxMatrix& m) const { return !(*this == m); }
+
+  // The type word as one int, then the sixteen values in storage order.
+  // The type is taken as read, not identified again: identifying costs
+  // square roots, and the writer's word was right for these values.
+  void read(sxEntry* entry);
+  void write(sxEntry* entry) const;
 
   float mat[4][4];
 

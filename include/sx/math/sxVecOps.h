@@ -3,6 +3,7 @@
 #include <utility>
 
 #include <sx/math/sxScalar.h>
+#include <sx/persist/sxEntry.h>
 
 // Calls f(0) ... f(N - 1), unrolled at compile time.
 template <int N, class F>
@@ -23,6 +24,23 @@ inline float sxVecStore(float v, float) {
 inline unsigned char sxVecStore(float v, unsigned char) {
   if (!(v > -2147483648.0f && v < 2147483648.0f)) return 0;
   return static_cast<unsigned char>(static_cast<int>(v));
+}
+
+// How components go into a scene file entry: float components as
+// consecutive floats (aligned, and byte-swapped when read on a machine of
+// the other order), byte components as one raw chunk (no alignment, no
+// swapping).
+inline void sxVecWrite(sxEntry* e, const float* v, int n) {
+  e->writeFloats(v, n);
+}
+inline void sxVecWrite(sxEntry* e, const unsigned char* v, int n) {
+  e->writeChunk(v, n);
+}
+inline void sxVecRead(sxEntry* e, float* v, int n) {
+  e->readFloats(v, n);
+}
+inline void sxVecRead(sxEntry* e, unsigned char* v, int n) {
+  e->readChunk(v, n);
 }
 
 // The operations that float vectors and byte colours share. D is the vector
@@ -86,6 +104,19 @@ class sxVecArith {
   D& operator-=(const D& v) { return sub(v), self(); }
   D& operator*=(float s) { return scale(s), self(); }
   D& operator/=(float s) { return scale(1.0f / s), self(); }
+
+  // The components into or out of a scene file entry; nothing happens
+  // without one. Past the end of the data a float component reads as -1; a
+  // byte colour takes the bytes that remain and keeps the rest.
+  void write(sxEntry* entry) const {
+    if (!entry) return;
+    T v[N];
+    each([&](int i) { v[i] = self()[i]; });
+    sxVecWrite(entry, v, N);
+  }
+  void read(sxEntry* entry) {
+    if (entry) sxVecRead(entry, &self()[0], N);
+  }
 
  protected:
   D& self() { return static_cast<D&>(*this); }
