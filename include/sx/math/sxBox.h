@@ -32,6 +32,9 @@ class SX_API sxBox final : public sxVolumeOf<sxBox, sxVolume::BOX> {
   void extendAround(const sxBox& box) override;
 
   void getCenter(sxVec3& c) const override { c.combine(0.5f, min, 0.5f, max); }
+  // Min as three floats, then max as three floats.
+  void read(sxEntry* entry) override;
+  void write(sxEntry* entry) const override;
 
   const sxVec3& getMin() const { return min; }
   const sxVec3& getMax() const { return max; }

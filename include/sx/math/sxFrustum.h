@@ -89,6 +89,17 @@ class SX_API sxFrustum final : public sxVolumeOf<sxFrustum, sxVolume::FRUSTUM> {
 
   void getCenter(sxVec3& c) const override { c = bound.center; }
 
+  // Everything the frustum holds, so that it comes back exactly as it was,
+  // transformed or not, whatever square-root method is in use: the six face
+  // planes and the twelve edge planes (each as a plane writes itself), the
+  // eight corners (three floats each), the bounding sphere (as a sphere
+  // writes itself), the six floats left, right, bottom, top, near and far,
+  // and the bools ortho and empty; 504 bytes in all. A frustum flagged
+  // empty, or one whose record ends early (the flag then reads as true),
+  // comes back made empty.
+  void read(sxEntry* entry) override;
+  void write(sxEntry* entry) const override;
+
  private:
   bool make(float left, float right, float bottom, float top, float nearDist, float farDist,
             bool isOrtho);

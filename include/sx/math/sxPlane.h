@@ -52,6 +52,11 @@ class SX_API sxPlane final : public sxVolumeOf<sxPlane, sxVolume::PLANE> {
   // Kept as the library always defined it.
   float pointDistance(const sxVec3& p) const { return -(normal.dot(p) + offset); }
 
+  // Normal as three floats, offset as one float, octant as one int, each
+  // taken as stored.
+  void read(sxEntry* entry) override;
+  void write(sxEntry* entry) const override;
+
   float getOffset() const { return offset; }
   const sxVec3& getNormal() const { return normal; }
   // The normal is normalised; the offset is kept.

@@ -4,6 +4,7 @@
 #include <sx/sxExport.h>
 
 class sxBox;
+class sxEntry;
 class sxFrustum;
 class sxMatrix;
 class sxPlane;
@@ -50,6 +51,11 @@ class SX_API sxRay {
   // The range of distances along the ray that a hit may lie in: [0, length],
   // or [0, largest float] when unbounded.
   float getReach() const;
+
+  // Start as three floats, direction as three floats, length as one float,
+  // each taken as stored.
+  void read(sxEntry* entry);
+  void write(sxEntry* entry) const;
 
   bool operator==(const sxRay& r) const {
     return start == r.start && direction == r.direction && length == r.length;

@@ -33,6 +33,10 @@ class SX_API sxSphere final : public sxVolumeOf<sxSphere, sxVolume::SPHERE> {
   void extendAround(const sxBox& box) override;
 
   void getCenter(sxVec3& c) const override { c = center; }
+  // Center as three floats, radius as one: a record that ends early reads
+  // the radius -1, an empty sphere.
+  void read(sxEntry* entry) override;
+  void write(sxEntry* entry) const override;
 
   // A negative radius is stored as 0.
   virtual void setRadius(float r) { radius = r < 0.0f ? 0.0f : r; }

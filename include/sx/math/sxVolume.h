@@ -6,6 +6,7 @@
 
 class sxArena;
 class sxBox;
+class sxEntry;
 class sxFrustum;
 class sxMatrix;
 class sxPlane;
@@ -71,6 +72,11 @@ class SX_API sxVolume : public sxMemory {
 
   // The base leaves center untouched.
   virtual void getCenter(sxVec3& center) const;
+
+  // The kind's fields into or out of a scene file entry, at its cursor;
+  // nothing happens without an entry.
+  virtual void read(sxEntry* entry) = 0;
+  virtual void write(sxEntry* entry) const = 0;
 
   TYPE getType() const { return type; }
 
