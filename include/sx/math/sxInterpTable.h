@@ -7,6 +7,7 @@
 #include <sx/math/sxVec3.h>
 #include <sx/math/sxVec4.h>
 #include <sx/object/sxMemory.h>
+#include <sx/persist/sxEntry.h>
 #include <sx/sxExport.h>
 
 // The blend of two keyed values by the fraction f of the way from a to b.
@@ -35,6 +36,10 @@ inline sxQuat sxInterpBlend(float f, const sxQuat& a, const sxQuat& b) {
 template <class V>
 class sxInterpTable {
   static_assert(std::is_trivially_copyable_v<V>, "values are moved as bytes");
+  static_assert(sizeof(V) % sizeof(float) == 0, "values are stored as their floats");
+
+  // A key as stored: the param, then the value's floats in order.
+  static constexpr int recordFloats = 1 + static_cast<int>(sizeof(V) / sizeof(float));
 
  public:
   sxInterpTable() : sxInterpTable(2) {}
@@ -122,6 +127,37 @@ class sxInterpTable {
 
   // Forgets the keys; the arrays are kept.
   void reset() { count = last = 0; }
+
+  // The count as one int, then each key: its param and its value's floats.
+  void write(sxEntry* entry) const {
+    if (!entry) return;
+    entry->writeInt(count);
+    for (int i = 0; i < count; ++i) {
+      float record[recordFloats];
+      record[0] = params[i];
+      std::memcpy(record + 1, &values[i], sizeof(V));
+      entry->writeFloats(record, recordFloats);
+    }
+  }
+  // Empties the table and adds each stored key with add, so keys stored out
+  // of order come back sorted. A count beyond the whole keys that the data
+  // still hold is cut to them: a damaged count neither reads past the data
+  // nor grows the table without bound. Past the end the count reads as -1
+  // and the table stays empty.
+  void read(sxEntry* entry) {
+    if (!entry) return;
+    reset();
+    int n = entry->readInt();
+    const int most = (entry->getDataSize() - entry->getCursor()) / (recordFloats * 4);
+    if (n > most) n = most;
+    for (int i = 0; i < n; ++i) {
+      float record[recordFloats];
+      entry->readFloats(record, recordFloats);
+      V value;
+      std::memcpy(&value, record + 1, sizeof(V));
+      add(record[0], value);
+    }
+  }
 
  private:
   void addAll(const sxInterpTable& other) {
