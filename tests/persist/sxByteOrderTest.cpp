@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "support/sxReferenceScene.h"
 
@@ -12,21 +13,20 @@
 // SXCORE_BIGENDIAN_DIR and checks the reverse direction on s390x.
 namespace {
 
+using Check = int (*)(const char*, bool&, std::string&);
+
 void checkDirectory(const std::string& dir, bool writtenBigEndian) {
   bool expectSwapped = writtenBigEndian != sxReference::isBigEndian();
-  std::string report;
-  bool swapped = !expectSwapped;
-  EXPECT_EQ(sxReference::checkPrimitiveFile((dir + "/" + sxReference::primitiveFileName).c_str(),
-                                            swapped, report),
-            0)
-      << report;
-  EXPECT_EQ(swapped, expectSwapped);
-  swapped = !expectSwapped;
-  EXPECT_EQ(sxReference::checkSceneFile((dir + "/" + sxReference::sceneFileName).c_str(), swapped,
-                                        report),
-            0)
-      << report;
-  EXPECT_EQ(swapped, expectSwapped);
+  const std::pair<const char*, Check> files[] = {
+      {sxReference::primitiveFileName, sxReference::checkPrimitiveFile},
+      {sxReference::sceneFileName, sxReference::checkSceneFile},
+      {sxReference::mathFileName, sxReference::checkMathFile}};
+  for (const auto& [name, check] : files) {
+    std::string report;
+    bool swapped = !expectSwapped;
+    EXPECT_EQ(check((dir + "/" + name).c_str(), swapped, report), 0) << name << "\n" << report;
+    EXPECT_EQ(swapped, expectSwapped) << name;
+  }
 }
 
 TEST(ByteOrder, FilesWrittenOnABigEndianMachine) {

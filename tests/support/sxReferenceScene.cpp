@@ -12,6 +12,7 @@
 #include <cstring>
 
 #include "support/sxCycles.h"
+#include "support/sxReferenceCheck.h"
 #include "support/sxTestHolder.h"
 
 namespace sxReference {
@@ -78,21 +79,6 @@ bool elementMatches(const sxArray* a, int i) {
                      std::size_t(a->getElemSize())) == 0;
 }
 
-class Report {
- public:
-  explicit Report(std::string& out) : out(out) {}
-  void check(bool ok, const char* what) {
-    if (ok) return;
-    ++failures;
-    out += what;
-    out += '\n';
-  }
-  int failures = 0;
-
- private:
-  std::string& out;
-};
-
 sxBase* named(sxBase* obj, const char* name) {
   obj->setName(name);
   return obj;
@@ -140,15 +126,10 @@ bool writePrimitiveFile(const char* path) {
 int checkPrimitiveFile(const char* path, bool& swapped, std::string& out) {
   Report r(out);
   sxFile file;
-  if (!file.open(path, "r")) {
-    r.check(false, "primitive file does not open");
-    return r.failures;
-  }
-  swapped = file.isByteSwapped();
+  if (!openReference(file, path, swapped, r)) return r.failures;
   r.check(file.getNumEntries() == 2 && file.getNumTags() == 2, "entry or tag count");
-  sxEntry* e = file.findEntry("sxPrimitives");
-  r.check(e && file.readEntry(e), "primitive entry missing");
-  if (!e || !e->getData()) return r.failures;
+  sxEntry* e = loadReference(file, "sxPrimitives", r);
+  if (!e) return r.failures;
   r.check(e->isByteSwapped() == swapped, "entry byte order differs from the file's");
   r.check(e->getVersion() == 0x01020006, "entry version");
   r.check(e->readByte() == 0xA5, "byte");

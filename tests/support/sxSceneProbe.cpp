@@ -19,21 +19,25 @@ int main(int argc, char** argv) {
   std::string dir = argv[2];
   std::string primitives = dir + "/" + sxReference::primitiveFileName;
   std::string scene = dir + "/" + sxReference::sceneFileName;
+  std::string math = dir + "/" + sxReference::mathFileName;
   std::printf("machine: %s-endian\n", sxReference::isBigEndian() ? "big" : "little");
   if (std::strcmp(argv[1], "write") == 0) {
     bool ok = sxReference::writePrimitiveFile(primitives.c_str()) &&
-              sxReference::writeSceneFile(scene.c_str());
+              sxReference::writeSceneFile(scene.c_str()) &&
+              sxReference::writeMathFile(math.c_str());
     std::printf("%s\n", ok ? "written" : "writing failed");
     return ok ? 0 : 1;
   }
   if (std::strcmp(argv[1], "check") != 0) return 2;
   std::string report;
-  bool swappedPrimitives = false, swappedScene = false;
+  bool swappedPrimitives = false, swappedScene = false, swappedMath = false;
   int failures = sxReference::checkPrimitiveFile(primitives.c_str(), swappedPrimitives, report) +
-                 sxReference::checkSceneFile(scene.c_str(), swappedScene, report);
+                 sxReference::checkSceneFile(scene.c_str(), swappedScene, report) +
+                 sxReference::checkMathFile(math.c_str(), swappedMath, report);
   if (argc > 3) {
     bool wantSwapped = std::strcmp(argv[3], "expect-swapped") == 0;
-    if (swappedPrimitives != wantSwapped || swappedScene != wantSwapped) {
+    if (swappedPrimitives != wantSwapped || swappedScene != wantSwapped ||
+        swappedMath != wantSwapped) {
       report += "byte order of the files is not the expected one\n";
       ++failures;
     }
