@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstring>
+
 #include <sx/math/sxVec3.h>
 #include <sx/sxExport.h>
 
@@ -86,7 +88,7 @@ class SX_API sxMatrix {
     } else if (b.type == IDENTITY) {
       *this = a;
     } else if (a.type && b.type && ((a.type | b.type) & ~(ROTATION | TRANSLATION)) == 0) {
-      multAffineByAffine(*this, a, b);
+      affineProduct(a, b);
     } else {
       multByGroups(a, b);
     }
@@ -141,20 +143,62 @@ class SX_API sxMatrix {
   void read(sxEntry* entry);
   void write(sxEntry* entry) const;
 
-  float mat[4][4];
+  alignas(16) float mat[4][4];
 
  private:
-  // this = the pure translation a + b (both pure translations). Row 3 is
-  // summed four wide into a local first, so this may be a or b.
+  // this = the pure translation a + b (both pure translations). Only row 3
+  // of the operands is read, so this may be a or b. Its fourth lane sums to
+  // 1 + 1 - 1, exactly 1, so the row goes out in one store; the explicit
+  // vector keeps compilers from splitting the sum into scalars when this is
+  // inlined into a caller's loop.
   void sumOfTranslations(const sxMatrix& a, const sxMatrix& b) {
-    float row[4];
-    for (int j = 0; j < 4; ++j) row[j] = a.mat[3][j] + b.mat[3][j];
     static constexpr float upper[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
+#if defined(__GNUC__)
+    typedef float Row __attribute__((vector_size(16)));
+    Row ra, rb;
+    std::memcpy(&ra, a.mat[3], sizeof(Row));
+    std::memcpy(&rb, b.mat[3], sizeof(Row));
+    const Row unitW = {0, 0, 0, 1};
+    const Row row = ra + rb - unitW;
+    std::memcpy(mat[3], &row, sizeof(Row));
+#else
+    for (int j = 0; j < 3; ++j) mat[3][j] = a.mat[3][j] + b.mat[3][j];
+    mat[3][3] = 1.0f;
+#endif
     for (int i = 0; i < 3; ++i)
       for (int j = 0; j < 4; ++j) mat[i][j] = upper[i][j];
-    for (int j = 0; j < 3; ++j) mat[3][j] = row[j];
-    mat[3][3] = 1.0f;
     type = TRANSLATION;
+  }
+  // this = a * b for rotations with translations. Where the compiler
+  // offers four-wide vectors this is inline: row i of the product is the sum
+  // of b's rows scaled by a's row i, plus b's translation for row 3. Every
+  // row is computed before any is stored, so this may be a or b.
+  void affineProduct(const sxMatrix& a, const sxMatrix& b) {
+#if defined(__GNUC__)
+    typedef float Row __attribute__((vector_size(16)));
+    const auto row = [](const float* p) {
+      Row r;
+      std::memcpy(&r, p, sizeof(r));
+      return r;
+    };
+    const Row b0 = row(b.mat[0]), b1 = row(b.mat[1]), b2 = row(b.mat[2]);
+    const auto times = [&](const float* p) {
+      const Row v = row(p);
+      return __builtin_shufflevector(v, v, 0, 0, 0, 0) * b0 +
+             __builtin_shufflevector(v, v, 1, 1, 1, 1) * b1 +
+             __builtin_shufflevector(v, v, 2, 2, 2, 2) * b2;
+    };
+    const Row r0 = times(a.mat[0]), r1 = times(a.mat[1]), r2 = times(a.mat[2]);
+    const Row r3 = times(a.mat[3]) + row(b.mat[3]);
+    const unsigned int t = a.type | b.type;
+    std::memcpy(mat[0], &r0, sizeof(Row));
+    std::memcpy(mat[1], &r1, sizeof(Row));
+    std::memcpy(mat[2], &r2, sizeof(Row));
+    std::memcpy(mat[3], &r3, sizeof(Row));
+    type = t;
+#else
+    multAffineByAffine(*this, a, b);
+#endif
   }
   // The block products of the fast paths (see sxMatrixMult.cpp): only the
   // non-zero blocks of the two operands are multiplied.
