@@ -5,8 +5,6 @@
 #include <cmath>
 #include <utility>
 
-#include "math/sxMatrixRows.h"
-
 namespace {
 
 using sxiRows::Row;

@@ -1,7 +1,5 @@
 #include <sx/math/sxMatrix.h>
 
-#include "math/sxMatrixRows.h"
-
 namespace {
 
 // What a type group holds in its upper 3x3.
@@ -71,7 +69,7 @@ struct sxiMatrixBlocks {
   template <Lin L>
   static Row times(const float* v, const sxMatrix& m) {
     if constexpr (L == Lin::Full) {
-      return v[0] * load(m.mat[0]) + v[1] * load(m.mat[1]) + v[2] * load(m.mat[2]);
+      return sxiRows::times(v, load(m.mat[0]), load(m.mat[1]), load(m.mat[2]));
     }
     const Row xyz = {v[0], v[1], v[2], 0.0f};
     if constexpr (L == Lin::Diag) {

@@ -5,6 +5,40 @@
 #include <sx/math/sxVec3.h>
 #include <sx/sxExport.h>
 
+// Matrix rows four floats wide, in a vector type that the compiler maps to
+// the processor's vector registers. Non-projective matrices have 0 in
+// column 3 above a 1, so products of such rows get their fourth lanes right
+// without setting them. The inline products below and the block products of
+// the library share these; a compiler without vector extensions needs a
+// port of this namespace only.
+namespace sxiRows {
+
+typedef float Row __attribute__((vector_size(16)));
+
+inline Row load(const float* p) {
+  Row r;
+  std::memcpy(&r, p, sizeof(r));
+  return r;
+}
+inline void store(float* p, Row r) {
+  std::memcpy(p, &r, sizeof(r));
+}
+inline Row unit(int i) {
+  Row r = {0.0f, 0.0f, 0.0f, 0.0f};
+  r[i] = 1.0f;
+  return r;
+}
+// (v0, v1, v2) times the rows b0, b1, b2: the row v of four floats is
+// loaded once and its lanes broadcast, which keeps the sum in registers.
+inline Row times(const float* v, Row b0, Row b1, Row b2) {
+  const Row x = load(v);
+  return __builtin_shufflevector(x, x, 0, 0, 0, 0) * b0 +
+         __builtin_shufflevector(x, x, 1, 1, 1, 1) * b1 +
+         __builtin_shufflevector(x, x, 2, 2, 2, 2) * b2;
+}
+
+}  // namespace sxiRows
+
 class sxEntry;
 class sxPlane;
 class sxQuat;
@@ -152,53 +186,27 @@ class SX_API sxMatrix {
   // vector keeps compilers from splitting the sum into scalars when this is
   // inlined into a caller's loop.
   void sumOfTranslations(const sxMatrix& a, const sxMatrix& b) {
-    static constexpr float upper[3][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}};
-#if defined(__GNUC__)
-    typedef float Row __attribute__((vector_size(16)));
-    Row ra, rb;
-    std::memcpy(&ra, a.mat[3], sizeof(Row));
-    std::memcpy(&rb, b.mat[3], sizeof(Row));
-    const Row unitW = {0, 0, 0, 1};
-    const Row row = ra + rb - unitW;
-    std::memcpy(mat[3], &row, sizeof(Row));
-#else
-    for (int j = 0; j < 3; ++j) mat[3][j] = a.mat[3][j] + b.mat[3][j];
-    mat[3][3] = 1.0f;
-#endif
-    for (int i = 0; i < 3; ++i)
-      for (int j = 0; j < 4; ++j) mat[i][j] = upper[i][j];
+    using namespace sxiRows;
+    store(mat[3], load(a.mat[3]) + load(b.mat[3]) - unit(3));
+    for (int i = 0; i < 3; ++i) store(mat[i], unit(i));
     type = TRANSLATION;
   }
-  // this = a * b for rotations with translations. Where the compiler
-  // offers four-wide vectors this is inline: row i of the product is the sum
-  // of b's rows scaled by a's row i, plus b's translation for row 3. Every
-  // row is computed before any is stored, so this may be a or b.
+  // this = a * b for rotations with translations, inline: row i of the
+  // product is the sum of b's rows scaled by a's row i, plus b's translation
+  // for row 3. Every row is computed before any is stored, so this may be a
+  // or b.
   void affineProduct(const sxMatrix& a, const sxMatrix& b) {
-#if defined(__GNUC__)
-    typedef float Row __attribute__((vector_size(16)));
-    const auto row = [](const float* p) {
-      Row r;
-      std::memcpy(&r, p, sizeof(r));
-      return r;
-    };
-    const Row b0 = row(b.mat[0]), b1 = row(b.mat[1]), b2 = row(b.mat[2]);
-    const auto times = [&](const float* p) {
-      const Row v = row(p);
-      return __builtin_shufflevector(v, v, 0, 0, 0, 0) * b0 +
-             __builtin_shufflevector(v, v, 1, 1, 1, 1) * b1 +
-             __builtin_shufflevector(v, v, 2, 2, 2, 2) * b2;
-    };
-    const Row r0 = times(a.mat[0]), r1 = times(a.mat[1]), r2 = times(a.mat[2]);
-    const Row r3 = times(a.mat[3]) + row(b.mat[3]);
+    using namespace sxiRows;
+    const Row b0 = load(b.mat[0]), b1 = load(b.mat[1]), b2 = load(b.mat[2]);
+    const Row r0 = times(a.mat[0], b0, b1, b2), r1 = times(a.mat[1], b0, b1, b2),
+              r2 = times(a.mat[2], b0, b1, b2);
+    const Row r3 = times(a.mat[3], b0, b1, b2) + load(b.mat[3]);
     const unsigned int t = a.type | b.type;
-    std::memcpy(mat[0], &r0, sizeof(Row));
-    std::memcpy(mat[1], &r1, sizeof(Row));
-    std::memcpy(mat[2], &r2, sizeof(Row));
-    std::memcpy(mat[3], &r3, sizeof(Row));
+    store(mat[0], r0);
+    store(mat[1], r1);
+    store(mat[2], r2);
+    store(mat[3], r3);
     type = t;
-#else
-    multAffineByAffine(*this, a, b);
-#endif
   }
   // The block products of the fast paths (see sxMatrixMult.cpp): only the
   // non-zero blocks of the two operands are multiplied.
