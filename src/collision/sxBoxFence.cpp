@@ -1,4 +1,4 @@
 #include <sx/collision/sxBoxFence.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxBoxFence, sxFence, sxGroupType)
+SX_DEFINE_CLASS(sxBoxFence, sxGroupType)

@@ -1,3 +1,3 @@
 #include <sx/collision/sxCollider.h>
 
-SX_IMPLEMENT_CLASS(sxCollider, sxBase, sxType)
+SX_DEFINE_CLASS(sxCollider)

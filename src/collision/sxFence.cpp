@@ -1,4 +1,4 @@
 #include <sx/collision/sxFence.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxFence, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxFence, sxGroupType)

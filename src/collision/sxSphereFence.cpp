@@ -1,4 +1,4 @@
 #include <sx/collision/sxSphereFence.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxSphereFence, sxFence, sxGroupType)
+SX_DEFINE_CLASS(sxSphereFence, sxGroupType)

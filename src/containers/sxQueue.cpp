@@ -5,7 +5,7 @@
 
 #include "threads/sxLockScope.h"
 
-SX_IMPLEMENT_CLASS(sxQueue, sxBase, sxType)
+SX_DEFINE_CLASS(sxQueue)
 
 void sxQueue::allocate(int size, int cap) {
   elementSize = size < 1 ? 1 : size;
@@ -20,14 +20,12 @@ void sxQueue::allocate(int size, int cap) {
 sxQueue::sxQueue(int size, int cap) : lock(new sxLock), mode(OVERWRITE) {
   if (lock) lock->ref();
   allocate(size, cap);
-  initInstance();
 }
 
 sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(new sxLock), mode(source.mode) {
   if (lock) lock->ref();
   allocate(source.elementSize, source.capacity);
   copyRecordsFrom(source);
-  initInstance();
 }
 
 sxQueue& sxQueue::operator=(const sxQueue& source) {

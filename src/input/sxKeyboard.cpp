@@ -1,3 +1,3 @@
 #include <sx/input/sxKeyboard.h>
 
-SX_IMPLEMENT_CLASS(sxKeyboard, sxQueue, sxType)
+SX_DEFINE_CLASS(sxKeyboard)

@@ -1,3 +1,3 @@
 #include <sx/input/sxMouse.h>
 
-SX_IMPLEMENT_CLASS(sxMouse, sxQueue, sxType)
+SX_DEFINE_CLASS(sxMouse)

@@ -1,14 +1,6 @@
 #include <sx/nodes/sxAction.h>
 
-SX_IMPLEMENT_CLASS(sxAction, sxBase, sxType)
-
-sxAction::sxAction() : sxBase() {
-  initInstance();
-}
-
-sxAction::sxAction(const sxAction& source) : sxBase(source) {
-  initInstance();
-}
+SX_DEFINE_CLASS(sxAction)
 
 bool sxAction::apply(sxBase*, sxEvent*) {
   return true;

@@ -1,4 +1,4 @@
 #include <sx/nodes/sxActionNode.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxActionNode, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxActionNode, sxGroupType)

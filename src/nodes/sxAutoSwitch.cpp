@@ -1,4 +1,4 @@
 #include <sx/nodes/sxAutoSwitch.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxAutoSwitch, sxSwitch, sxGroupType)
+SX_DEFINE_CLASS(sxAutoSwitch, sxGroupType)

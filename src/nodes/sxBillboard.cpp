@@ -1,4 +1,4 @@
 #include <sx/nodes/sxBillboard.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxBillboard, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxBillboard, sxGroupType)

@@ -1,4 +1,4 @@
 #include <sx/nodes/sxEmitter.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxEmitter, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxEmitter, sxGroupType)

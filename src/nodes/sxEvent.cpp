@@ -10,7 +10,7 @@
 #include "platform/sxPlatform.h"
 #include "threads/sxLockScope.h"
 
-SX_IMPLEMENT_CLASS(sxEvent, sxBase, sxType)
+SX_DEFINE_CLASS(sxEvent)
 
 // The platform event that waiting threads sleep on.
 struct sxEvent::Signal : sxPlatform::PulseEvent {};
@@ -34,16 +34,13 @@ sxEvent::Signal* sxEvent::newSignal() {
   return sxNew<Signal>();
 }
 
-sxEvent::sxEvent() : sxBase() {
-  initInstance();
-}
+sxEvent::sxEvent() : sxBase() {}
 
 sxEvent::sxEvent(const sxEvent& source) : sxBase(source) {
   sxiLockScope guard(source.lock);
   enabled = source.enabled;
   referenceAll(actions, source.actions);
   referenceAll(actionNodes, source.actionNodes);
-  initInstance();
 }
 
 sxEvent::~sxEvent() {

@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroup.h>
 #include <sx/nodes/sxGroupType.h>
 
-SX_IMPLEMENT_CLASS(sxGroup, sxBase, sxGroupType)
+SX_DEFINE_CLASS(sxGroup, sxGroupType)

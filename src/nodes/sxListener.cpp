@@ -1,3 +1,3 @@
 #include <sx/nodes/sxListener.h>
 
-SX_IMPLEMENT_CLASS(sxListener, sxBase, sxType)
+SX_DEFINE_CLASS(sxListener)

@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/nodes/sxRangeSwitch.h>
 
-SX_IMPLEMENT_CLASS(sxRangeSwitch, sxSwitch, sxGroupType)
+SX_DEFINE_CLASS(sxRangeSwitch, sxGroupType)

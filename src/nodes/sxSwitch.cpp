@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/nodes/sxSwitch.h>
 
-SX_IMPLEMENT_CLASS(sxSwitch, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxSwitch, sxGroupType)

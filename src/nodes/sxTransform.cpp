@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/nodes/sxTransform.h>
 
-SX_IMPLEMENT_CLASS(sxTransform, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxTransform, sxGroupType)

@@ -31,8 +31,9 @@ char* copyInto(const char* s, sxArena* arena) {
 
 }  // namespace
 
-// sxBase lists itself in its constructors.
-void sxBase::initInstance() {}
+void sxiListInstance(sxBase* obj, sxType* type) {
+  if (obj) obj->listInstance(type);
+}
 
 void sxBase::beginArenaCopy(sxArena* arena) {
   if (copyState.depth < CopyState::maxDepth) copyState.arenas[copyState.depth] = arena;

@@ -3,7 +3,7 @@
 
 #include "object/sxReferenced.h"
 
-SX_IMPLEMENT_CLASS(sxFlushThread, sxAction, sxType)
+SX_DEFINE_CLASS(sxFlushThread)
 
 namespace {
 // One waiter at a time: the count is 0 or 1.
@@ -12,14 +12,10 @@ sxSemaphore* newSyncSemaphore() {
 }
 }  // namespace
 
-sxFlushThread::sxFlushThread() : sxAction(), semaphore(newSyncSemaphore()) {
-  initInstance();
-}
+sxFlushThread::sxFlushThread() : sxAction(), semaphore(newSyncSemaphore()) {}
 
 sxFlushThread::sxFlushThread(const sxFlushThread& source)
-    : sxAction(source), semaphore(newSyncSemaphore()) {
-  initInstance();
-}
+    : sxAction(source), semaphore(newSyncSemaphore()) {}
 
 sxFlushThread::~sxFlushThread() {
   sxiRelease(semaphore);

@@ -5,7 +5,7 @@
 
 #include "platform/sxPlatform.h"
 
-SX_IMPLEMENT_CLASS(sxLock, sxBase, sxType)
+SX_DEFINE_CLASS(sxLock)
 
 namespace {
 constinit std::atomic<bool> locksEnabled{true};
@@ -23,12 +23,10 @@ inline const Mutex& mutexOf(const unsigned char* storage) {
 
 sxLock::sxLock() : timeout(-1) {
   ::new (mutex) Mutex();
-  initInstance();
 }
 
 sxLock::sxLock(const sxLock& source) : sxBase(source), timeout(source.timeout) {
   ::new (mutex) Mutex();
-  initInstance();
 }
 
 sxLock::~sxLock() {

@@ -4,7 +4,7 @@
 
 #include "platform/sxPlatform.h"
 
-SX_IMPLEMENT_CLASS(sxSemaphore, sxBase, sxType)
+SX_DEFINE_CLASS(sxSemaphore)
 
 namespace {
 constinit std::atomic<bool> semaphoresEnabled{true};
@@ -24,14 +24,12 @@ inline const Semaphore& semaphoreOf(const unsigned char* storage) {
 sxSemaphore::sxSemaphore(int initial, int maximum) : timeout(-1), count(0) {
   ::new (handle) Semaphore(initial, maximum);
   count.store(semaphoreOf(handle).getCount(), std::memory_order_relaxed);
-  initInstance();
 }
 
 sxSemaphore::sxSemaphore(const sxSemaphore& source)
     : sxBase(source), timeout(source.timeout), count(0) {
   ::new (handle) Semaphore(source.getAvailable(), source.getMaximum());
   count.store(semaphoreOf(handle).getCount(), std::memory_order_relaxed);
-  initInstance();
 }
 
 sxSemaphore::~sxSemaphore() {

@@ -1,3 +1,3 @@
 #include <sx/threads/sxStats.h>
 
-SX_IMPLEMENT_CLASS(sxStats, sxBase, sxType)
+SX_DEFINE_CLASS(sxStats)

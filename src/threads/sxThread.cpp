@@ -16,7 +16,7 @@
 #include "threads/sxThreadInternals.h"
 #include "threads/sxThreadPriority.h"
 
-SX_IMPLEMENT_CLASS_NOCOPY(sxThread, sxBase, sxType)
+SX_DEFINE_CLASS(sxThread)
 
 namespace {
 
@@ -57,7 +57,6 @@ sxThread::sxThread(bool isAppThread)
     state.store(RUNNING);
     currentThread = this;
     processAffinity();
-    initInstance();
     return;
   }
   sxPlatform::ThreadHandle h = 0;
@@ -70,7 +69,6 @@ sxThread::sxThread(bool isAppThread)
   // The new thread publishes its id before it waits to be run, so that the
   // id is known as soon as the object exists.
   while (internals->started.load() == 0) sxPlatform::waitOnWord(&internals->started, 0, -1);
-  initInstance();
 }
 
 sxThread::~sxThread() {

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxAudioLevelScale.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxAudioLevelScale, sxAudioTrait, sxAudioTraitType)
+SX_DEFINE_CLASS(sxAudioLevelScale, sxAudioTraitType)

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxAudioPriorityScale.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxAudioPriorityScale, sxAudioTrait, sxAudioTraitType)
+SX_DEFINE_CLASS(sxAudioPriorityScale, sxAudioTraitType)

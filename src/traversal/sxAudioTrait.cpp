@@ -1,3 +1,3 @@
 #include <sx/traversal/sxAudioTrait.h>
 
-SX_IMPLEMENT_CLASS(sxAudioTrait, sxTrait, sxType)
+SX_DEFINE_CLASS(sxAudioTrait)

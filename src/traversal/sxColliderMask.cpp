@@ -1,4 +1,4 @@
 #include <sx/traversal/sxColliderMask.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxColliderMask, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxColliderMask, sxTravTraitType)

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxColliderTarget.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxColliderTarget, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxColliderTarget, sxTravTraitType)

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxCull.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxCull, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxCull, sxTravTraitType)

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxPrune.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxPrune, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxPrune, sxTravTraitType)

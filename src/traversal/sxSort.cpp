@@ -1,4 +1,4 @@
 #include <sx/traversal/sxSort.h>
 #include <sx/traversal/sxTraitType.h>
 
-SX_IMPLEMENT_CLASS(sxSort, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxSort, sxTravTraitType)

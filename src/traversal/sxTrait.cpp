@@ -1,3 +1,3 @@
 #include <sx/traversal/sxTrait.h>
 
-SX_IMPLEMENT_CLASS(sxTrait, sxBase, sxType)
+SX_DEFINE_CLASS(sxTrait)

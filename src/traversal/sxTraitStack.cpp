@@ -1,3 +1,3 @@
 #include <sx/traversal/sxTraitStack.h>
 
-SX_IMPLEMENT_CLASS(sxTraitStack, sxBase, sxType)
+SX_DEFINE_CLASS(sxTraitStack)

@@ -1,4 +1,4 @@
 #include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxTransition.h>
 
-SX_IMPLEMENT_CLASS(sxTransition, sxTravTrait, sxTravTraitType)
+SX_DEFINE_CLASS(sxTransition, sxTravTraitType)

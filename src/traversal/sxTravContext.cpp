@@ -1,3 +1,3 @@
 #include <sx/traversal/sxTravContext.h>
 
-SX_IMPLEMENT_CLASS(sxTravContext, sxBase, sxType)
+SX_DEFINE_CLASS(sxTravContext)

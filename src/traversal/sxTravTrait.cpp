@@ -1,3 +1,3 @@
 #include <sx/traversal/sxTravTrait.h>
 
-SX_IMPLEMENT_CLASS(sxTravTrait, sxTrait, sxType)
+SX_DEFINE_CLASS(sxTravTrait)

@@ -1,3 +1,3 @@
 #include <sx/traversal/sxTraverser.h>
 
-SX_IMPLEMENT_CLASS(sxTraverser, sxBase, sxType)
+SX_DEFINE_CLASS(sxTraverser)

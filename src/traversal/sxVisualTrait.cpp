@@ -1,3 +1,3 @@
 #include <sx/traversal/sxVisualTrait.h>
 
-SX_IMPLEMENT_CLASS(sxVisualTrait, sxTrait, sxType)
+SX_DEFINE_CLASS(sxVisualTrait)

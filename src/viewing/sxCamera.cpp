@@ -1,3 +1,3 @@
 #include <sx/viewing/sxCamera.h>
 
-SX_IMPLEMENT_CLASS(sxCamera, sxBase, sxType)
+SX_DEFINE_CLASS(sxCamera)

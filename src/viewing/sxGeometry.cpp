@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/viewing/sxGeometry.h>
 
-SX_IMPLEMENT_CLASS(sxGeometry, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxGeometry, sxGroupType)

@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/viewing/sxModel.h>
 
-SX_IMPLEMENT_CLASS(sxModel, sxTransform, sxGroupType)
+SX_DEFINE_CLASS(sxModel, sxGroupType)

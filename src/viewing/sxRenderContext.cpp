@@ -5,7 +5,7 @@
 #include "kernel/sxKernelInternal.h"
 #include "object/sxModuleStatic.h"
 
-SX_IMPLEMENT_CLASS(sxRenderContext, sxBase, sxType)
+SX_DEFINE_CLASS(sxRenderContext)
 
 namespace {
 constinit sxiModuleStatic<sxTList<sxRenderContext*>> renderContexts;
@@ -13,12 +13,10 @@ constinit sxiModuleStatic<sxTList<sxRenderContext*>> renderContexts;
 
 sxRenderContext::sxRenderContext() {
   renderContexts->add(this);
-  initInstance();
 }
 
 sxRenderContext::sxRenderContext(const sxRenderContext& source) : sxBase(source) {
   if (!isDisposable()) renderContexts->add(this);
-  initInstance();
 }
 
 sxRenderContext::~sxRenderContext() {

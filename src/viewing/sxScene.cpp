@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/viewing/sxScene.h>
 
-SX_IMPLEMENT_CLASS(sxScene, sxStyle, sxGroupType)
+SX_DEFINE_CLASS(sxScene, sxGroupType)

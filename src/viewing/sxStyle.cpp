@@ -1,4 +1,4 @@
 #include <sx/nodes/sxGroupType.h>
 #include <sx/viewing/sxStyle.h>
 
-SX_IMPLEMENT_CLASS(sxStyle, sxGroup, sxGroupType)
+SX_DEFINE_CLASS(sxStyle, sxGroupType)

@@ -1,3 +1,3 @@
 #include <sx/viewing/sxWindow.h>
 
-SX_IMPLEMENT_CLASS(sxWindow, sxBase, sxType)
+SX_DEFINE_CLASS(sxWindow)

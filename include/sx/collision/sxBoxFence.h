@@ -5,6 +5,6 @@
 // A fence bounded by a box.
 class SX_API sxBoxFence : public sxFence {
  public:
-  SX_DECLARE_CLASS(sxBoxFence)
-  SX_DEFAULT_CONSTRUCTORS(sxBoxFence, sxFence)
+  SX_CLASS(sxBoxFence, sxFence)
+  sxBoxFence() = default;
 };

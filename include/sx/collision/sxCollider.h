@@ -5,6 +5,6 @@
 // Intersects a graph with rays and generates hit records.
 class SX_API sxCollider : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxCollider)
-  SX_DEFAULT_CONSTRUCTORS(sxCollider, sxBase)
+  SX_CLASS(sxCollider, sxBase)
+  sxCollider() = default;
 };

@@ -5,6 +5,6 @@
 // A node whose bounds colliders test.
 class SX_API sxFence : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxFence)
-  SX_DEFAULT_CONSTRUCTORS(sxFence, sxGroup)
+  SX_CLASS(sxFence, sxGroup)
+  sxFence() = default;
 };

@@ -11,7 +11,7 @@ class sxLock;
 // container that threads may share. Records are copied in and out by value.
 class SX_API sxQueue : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxQueue)
+  SX_CLASS(sxQueue, sxBase)
 
   // What a put does when the queue is full.
   enum MODE {

@@ -5,6 +5,6 @@
 // The queue of key events that the window layer fills.
 class SX_API sxKeyboard : public sxQueue {
  public:
-  SX_DECLARE_CLASS(sxKeyboard)
-  SX_DEFAULT_CONSTRUCTORS(sxKeyboard, sxQueue)
+  SX_CLASS(sxKeyboard, sxQueue)
+  sxKeyboard() = default;
 };

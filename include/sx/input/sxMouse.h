@@ -5,6 +5,6 @@
 // The queue of mouse events that the window layer fills.
 class SX_API sxMouse : public sxQueue {
  public:
-  SX_DECLARE_CLASS(sxMouse)
-  SX_DEFAULT_CONSTRUCTORS(sxMouse, sxQueue)
+  SX_CLASS(sxMouse, sxQueue)
+  sxMouse() = default;
 };

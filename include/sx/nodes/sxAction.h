@@ -8,7 +8,7 @@ class sxEvent;
 // are made: they override apply.
 class SX_API sxAction : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxAction)
+  SX_CLASS(sxAction, sxBase)
 
   // Called by a thread with its target (event null) or by an event with the
   // triggering object and itself. A thread dies when one of its actions
@@ -16,6 +16,6 @@ class SX_API sxAction : public sxBase {
   virtual bool apply(sxBase* object, sxEvent* event);
 
  protected:
-  sxAction();
-  sxAction(const sxAction& source);
+  sxAction() = default;
+  sxAction(const sxAction& source) = default;
 };

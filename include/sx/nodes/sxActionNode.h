@@ -8,8 +8,8 @@ class sxEvent;
 // node kind says in eventTriggered what a trigger does to it.
 class SX_API sxActionNode : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxActionNode)
-  SX_DEFAULT_CONSTRUCTORS(sxActionNode, sxGroup)
+  SX_CLASS(sxActionNode, sxGroup)
+  sxActionNode() = default;
 
   // Called by an event, on the triggering thread, with the triggering object
   // and the event.

@@ -5,6 +5,6 @@
 // A switch that steps through its children over time or frames.
 class SX_API sxAutoSwitch : public sxSwitch {
  public:
-  SX_DECLARE_CLASS(sxAutoSwitch)
-  SX_DEFAULT_CONSTRUCTORS(sxAutoSwitch, sxSwitch)
+  SX_CLASS(sxAutoSwitch, sxSwitch)
+  sxAutoSwitch() = default;
 };

@@ -5,6 +5,6 @@
 // A sound source in the scene graph.
 class SX_API sxEmitter : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxEmitter)
-  SX_DEFAULT_CONSTRUCTORS(sxEmitter, sxGroup)
+  SX_CLASS(sxEmitter, sxGroup)
+  sxEmitter() = default;
 };

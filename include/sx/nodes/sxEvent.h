@@ -17,7 +17,7 @@ class sxLock;
 // the triggering thread.
 class SX_API sxEvent : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxEvent)
+  SX_CLASS(sxEvent, sxBase)
 
   sxEvent();
   // A new event with the source's name, enabled flag, actions and action

@@ -5,6 +5,6 @@
 // The interior node of the scene graph and the base of every node kind.
 class SX_API sxGroup : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxGroup)
-  SX_DEFAULT_CONSTRUCTORS(sxGroup, sxBase)
+  SX_CLASS(sxGroup, sxBase)
+  sxGroup() = default;
 };

@@ -5,6 +5,6 @@
 // The receiver of the audio pass: hands playing emitters to the audio back end.
 class SX_API sxListener : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxListener)
-  SX_DEFAULT_CONSTRUCTORS(sxListener, sxBase)
+  SX_CLASS(sxListener, sxBase)
+  sxListener() = default;
 };

@@ -5,6 +5,6 @@
 // A group that selects and blends its children.
 class SX_API sxSwitch : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxSwitch)
-  SX_DEFAULT_CONSTRUCTORS(sxSwitch, sxGroup)
+  SX_CLASS(sxSwitch, sxGroup)
+  sxSwitch() = default;
 };

@@ -5,6 +5,6 @@
 // A group that places its sub-graph by a matrix.
 class SX_API sxTransform : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxTransform)
-  SX_DEFAULT_CONSTRUCTORS(sxTransform, sxGroup)
+  SX_CLASS(sxTransform, sxGroup)
+  sxTransform() = default;
 };

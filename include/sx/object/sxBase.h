@@ -108,6 +108,7 @@ class SX_API sxBase : public sxMemory {
 
  private:
   friend class sxType;
+  friend void sxiListInstance(sxBase* obj, sxType* type);
   friend struct sxiDeletion;
   static constexpr std::int32_t unlistedSlot = -1;
   static constexpr std::int32_t disposableSlot = -2;

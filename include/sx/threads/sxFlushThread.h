@@ -9,7 +9,7 @@ class sxSemaphore;
 // releases the waiter.
 class SX_API sxFlushThread : public sxAction {
  public:
-  SX_DECLARE_CLASS(sxFlushThread)
+  SX_CLASS(sxFlushThread, sxAction)
 
   sxFlushThread();
   sxFlushThread(const sxFlushThread& source);

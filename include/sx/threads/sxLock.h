@@ -9,7 +9,7 @@
 // locks are off, acquiring and releasing do nothing.
 class SX_API sxLock : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxLock)
+  SX_CLASS(sxLock, sxBase)
 
   sxLock();
   // A new, unowned lock with the source's name and timeout.

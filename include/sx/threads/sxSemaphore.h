@@ -9,7 +9,7 @@
 // while they are off, inc does nothing and dec returns true at once.
 class SX_API sxSemaphore : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxSemaphore)
+  SX_CLASS(sxSemaphore, sxBase)
 
   static constexpr int maxCount = 0x7FFFFFFF;
 

@@ -27,7 +27,7 @@ class sxTravContext;
 // the application thread and the threads below it have passed it.
 class SX_API sxThread : public sxBase {
  public:
-  SX_DECLARE_CLASS_NOCOPY(sxThread)
+  SX_CLASS_NOCOPY(sxThread, sxBase)
 
   enum MODE { FREE_RUNNING = 0, TRIGGERED = 1 };
   enum STATE { RUNNING = 1, SUSPENDED = 2, DEAD = 4 };

@@ -5,6 +5,6 @@
 // Scales the audio priority of a sub-graph.
 class SX_API sxAudioPriorityScale : public sxAudioTrait {
  public:
-  SX_DECLARE_CLASS(sxAudioPriorityScale)
-  SX_DEFAULT_CONSTRUCTORS(sxAudioPriorityScale, sxAudioTrait)
+  SX_CLASS(sxAudioPriorityScale, sxAudioTrait)
+  sxAudioPriorityScale() = default;
 };

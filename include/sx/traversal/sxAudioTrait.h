@@ -5,6 +5,6 @@
 // The family of traits that change how a sub-graph is heard.
 class SX_API sxAudioTrait : public sxTrait {
  public:
-  SX_DECLARE_CLASS(sxAudioTrait)
-  SX_DEFAULT_CONSTRUCTORS(sxAudioTrait, sxTrait)
+  SX_CLASS(sxAudioTrait, sxTrait)
+  sxAudioTrait() = default;
 };

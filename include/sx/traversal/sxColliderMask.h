@@ -5,6 +5,6 @@
 // Selects which colliders see a sub-graph.
 class SX_API sxColliderMask : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxColliderMask)
-  SX_DEFAULT_CONSTRUCTORS(sxColliderMask, sxTravTrait)
+  SX_CLASS(sxColliderMask, sxTravTrait)
+  sxColliderMask() = default;
 };

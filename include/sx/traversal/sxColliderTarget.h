@@ -5,6 +5,6 @@
 // Selects what a sub-graph offers to colliders.
 class SX_API sxColliderTarget : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxColliderTarget)
-  SX_DEFAULT_CONSTRUCTORS(sxColliderTarget, sxTravTrait)
+  SX_CLASS(sxColliderTarget, sxTravTrait)
+  sxColliderTarget() = default;
 };

@@ -5,6 +5,6 @@
 // Selects how a sub-graph is culled against the view.
 class SX_API sxCull : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxCull)
-  SX_DEFAULT_CONSTRUCTORS(sxCull, sxTravTrait)
+  SX_CLASS(sxCull, sxTravTrait)
+  sxCull() = default;
 };

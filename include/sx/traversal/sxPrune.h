@@ -5,6 +5,6 @@
 // Removes a sub-graph from traversals while enabled.
 class SX_API sxPrune : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxPrune)
-  SX_DEFAULT_CONSTRUCTORS(sxPrune, sxTravTrait)
+  SX_CLASS(sxPrune, sxTravTrait)
+  sxPrune() = default;
 };

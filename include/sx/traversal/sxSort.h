@@ -5,6 +5,6 @@
 // Selects how the drawing of a sub-graph is sorted.
 class SX_API sxSort : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxSort)
-  SX_DEFAULT_CONSTRUCTORS(sxSort, sxTravTrait)
+  SX_CLASS(sxSort, sxTravTrait)
+  sxSort() = default;
 };

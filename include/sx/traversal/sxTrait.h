@@ -5,6 +5,6 @@
 // A small object that changes how a sub-graph is traversed, drawn or heard.
 class SX_API sxTrait : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxTrait)
-  SX_DEFAULT_CONSTRUCTORS(sxTrait, sxBase)
+  SX_CLASS(sxTrait, sxBase)
+  sxTrait() = default;
 };

@@ -5,6 +5,6 @@
 // Blends a sub-graph in or out over a transition.
 class SX_API sxTransition : public sxTravTrait {
  public:
-  SX_DECLARE_CLASS(sxTransition)
-  SX_DEFAULT_CONSTRUCTORS(sxTransition, sxTravTrait)
+  SX_CLASS(sxTransition, sxTravTrait)
+  sxTransition() = default;
 };

@@ -5,6 +5,6 @@
 // The state of one traversal: path, matrix stacks, cull results, flags, traits.
 class SX_API sxTravContext : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxTravContext)
-  SX_DEFAULT_CONSTRUCTORS(sxTravContext, sxBase)
+  SX_CLASS(sxTravContext, sxBase)
+  sxTravContext() = default;
 };

@@ -5,6 +5,6 @@
 // The family of traits that change how a sub-graph is traversed.
 class SX_API sxTravTrait : public sxTrait {
  public:
-  SX_DECLARE_CLASS(sxTravTrait)
-  SX_DEFAULT_CONSTRUCTORS(sxTravTrait, sxTrait)
+  SX_CLASS(sxTravTrait, sxTrait)
+  sxTravTrait() = default;
 };

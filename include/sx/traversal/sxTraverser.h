@@ -5,6 +5,6 @@
 // Walks a scene graph and decides at every group whether to go on, prune or stop.
 class SX_API sxTraverser : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxTraverser)
-  SX_DEFAULT_CONSTRUCTORS(sxTraverser, sxBase)
+  SX_CLASS(sxTraverser, sxBase)
+  sxTraverser() = default;
 };

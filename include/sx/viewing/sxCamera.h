@@ -5,6 +5,6 @@
 // A viewpoint of the camera pass; rendering plug-ins give it its behaviour.
 class SX_API sxCamera : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxCamera)
-  SX_DEFAULT_CONSTRUCTORS(sxCamera, sxBase)
+  SX_CLASS(sxCamera, sxBase)
+  sxCamera() = default;
 };

@@ -5,6 +5,6 @@
 // A leaf node holding drawable geometry.
 class SX_API sxGeometry : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxGeometry)
-  SX_DEFAULT_CONSTRUCTORS(sxGeometry, sxGroup)
+  SX_CLASS(sxGeometry, sxGroup)
+  sxGeometry() = default;
 };

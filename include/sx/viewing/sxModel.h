@@ -5,6 +5,6 @@
 // A placed, drawable object.
 class SX_API sxModel : public sxTransform {
  public:
-  SX_DECLARE_CLASS(sxModel)
-  SX_DEFAULT_CONSTRUCTORS(sxModel, sxTransform)
+  SX_CLASS(sxModel, sxTransform)
+  sxModel() = default;
 };

@@ -6,7 +6,7 @@
 // kernel's list while it exists, so that sxShutdown can close them all.
 class SX_API sxRenderContext : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxRenderContext)
+  SX_CLASS(sxRenderContext, sxBase)
 
   sxRenderContext();
   sxRenderContext(const sxRenderContext& source);

@@ -5,6 +5,6 @@
 // The root node of a graph that is updated once per frame.
 class SX_API sxScene : public sxStyle {
  public:
-  SX_DECLARE_CLASS(sxScene)
-  SX_DEFAULT_CONSTRUCTORS(sxScene, sxStyle)
+  SX_CLASS(sxScene, sxStyle)
+  sxScene() = default;
 };

@@ -5,6 +5,6 @@
 // A group that carries traits governing its whole sub-graph.
 class SX_API sxStyle : public sxGroup {
  public:
-  SX_DECLARE_CLASS(sxStyle)
-  SX_DEFAULT_CONSTRUCTORS(sxStyle, sxGroup)
+  SX_CLASS(sxStyle, sxGroup)
+  sxStyle() = default;
 };

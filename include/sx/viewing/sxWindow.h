@@ -5,6 +5,6 @@
 // An output window; window plug-ins give it its behaviour.
 class SX_API sxWindow : public sxBase {
  public:
-  SX_DECLARE_CLASS(sxWindow)
-  SX_DEFAULT_CONSTRUCTORS(sxWindow, sxBase)
+  SX_CLASS(sxWindow, sxBase)
+  sxWindow() = default;
 };

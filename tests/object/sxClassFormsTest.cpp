@@ -1,0 +1,116 @@
+// Every way of declaring a class lists its objects under their own class,
+// once, whatever constructor builds them: the current forms with no call in
+// any constructor, and the superseded forms that plug-ins were written
+// against, with their initInstance() calls.
+
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include "support/sxTestClasses.h"
+
+// Current forms: no constructors of their own, an implicit copy, a derived
+// class, and a class that cannot be copied.
+class sxFormPlain : public sxGroup {
+ public:
+  SX_CLASS(sxFormPlain, sxGroup)
+  sxFormPlain() = default;
+  int value = 7;
+};
+
+class sxFormDerived : public sxFormPlain {
+ public:
+  SX_CLASS(sxFormDerived, sxFormPlain)
+  sxFormDerived() { value = 9; }
+};
+
+class sxFormSingle : public sxBase {
+ public:
+  SX_CLASS_NOCOPY(sxFormSingle, sxBase)
+  sxFormSingle() = default;
+};
+
+// Superseded forms, parent named at the definition.
+class sxFormOld : public sxBase {
+ public:
+  SX_DECLARE_CLASS(sxFormOld)
+  SX_DEFAULT_CONSTRUCTORS(sxFormOld, sxBase)
+};
+
+class sxFormOldSingle : public sxBase {
+ public:
+  SX_DECLARE_CLASS_NOCOPY(sxFormOldSingle)
+  sxFormOldSingle() { initInstance(); }
+};
+
+SX_DEFINE_CLASS(sxFormPlain, sxGroupType)
+SX_DEFINE_CLASS(sxFormDerived, sxGroupType)
+SX_DEFINE_CLASS(sxFormSingle)
+SX_IMPLEMENT_CLASS(sxFormOld, sxBase, sxType)
+SX_IMPLEMENT_CLASS_NOCOPY(sxFormOldSingle, sxBase, sxType)
+
+namespace {
+
+template <class C, class P>
+void expectListedOnlyUnderOwnClass() {
+  SCOPED_TRACE(C::getClassName());
+  const int base = sxBase::getNum(false);
+  P::initClass();
+  sxType* parent = P::getClassType();
+  // Every object is in sxBase's own list as well.
+  const int parentOwn = parent->getNum(false) + (parent == sxBase::getClassType());
+  {
+    C object;
+    object.setName("formObject");
+    EXPECT_EQ(C::getNum(false), 1);
+    EXPECT_EQ(C::get(0, false), &object);
+    EXPECT_EQ(C::find("FORMOBJECT"), &object);
+    EXPECT_EQ(parent->getNum(false), parentOwn) << "still listed under the parent";
+    EXPECT_EQ(sxBase::getNum(false), base + 1);
+    EXPECT_EQ(object.getType()->getParent(), parent);
+
+    sxBase* copy = object.createCopy();
+    sxArena arena(4096);
+    sxBase* disposable = object.createDisposableCopy(&arena);
+    if constexpr (std::is_copy_constructible_v<C>) {
+      ASSERT_NE(copy, nullptr);
+      ASSERT_NE(disposable, nullptr);
+      EXPECT_EQ(C::getNum(false), 2) << "the copy is listed, the arena copy is not";
+      EXPECT_TRUE(disposable->isDisposable());
+      EXPECT_STREQ(disposable->getName(), "formObject");
+      disposable->~sxBase();
+      copy->ref();
+      copy->unRef();
+    } else {
+      EXPECT_EQ(copy, nullptr);
+      EXPECT_EQ(disposable, nullptr);
+    }
+    sxBase* made = sxType::createInstance(C::getClassName());
+    ASSERT_NE(made, nullptr);
+    EXPECT_TRUE(made->isOfExactType(C::getClassType()));
+    EXPECT_EQ(C::getNum(false), 2);
+    made->ref();
+    made->unRef();
+  }
+  EXPECT_EQ(C::getNum(false), 0);
+  EXPECT_EQ(sxBase::getNum(false), base);
+}
+
+}  // namespace
+
+TEST(sxClassForms, EveryFormListsItsObjectsOnceUnderTheirClass) {
+  expectListedOnlyUnderOwnClass<sxFormPlain, sxGroup>();
+  expectListedOnlyUnderOwnClass<sxFormDerived, sxFormPlain>();
+  expectListedOnlyUnderOwnClass<sxFormSingle, sxBase>();
+  expectListedOnlyUnderOwnClass<sxFormOld, sxBase>();
+  expectListedOnlyUnderOwnClass<sxFormOldSingle, sxBase>();
+  expectListedOnlyUnderOwnClass<sxTestLeaf, sxTestNode>();
+}
+
+TEST(sxClassForms, ImplicitCopiesKeepTheFields) {
+  sxFormDerived source;
+  source.value = 42;
+  sxFormDerived copy(source);
+  EXPECT_EQ(copy.value, 42);
+  EXPECT_EQ(sxFormDerived::getNum(false), 2);
+  EXPECT_EQ(sxFormPlain::getNum(false), 0);
+}
