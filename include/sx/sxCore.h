@@ -29,6 +29,7 @@
 #include <sx/math/sxVec2.h>
 #include <sx/math/sxVec3.h>
 #include <sx/math/sxVec4.h>
+#include <sx/math/sxVecArrays.h>
 #include <sx/math/sxVecOps.h>
 #include <sx/math/sxVolume.h>
 #include <sx/nodes/sxAction.h>

@@ -1,11 +1,16 @@
 #include <sx/containers/sxQueue.h>
-#include <sx/threads/sxLock.h>
 
 #include <cstring>
 
-#include "threads/sxLockScope.h"
+#include "kernel/sxKernelLocks.h"
 
 SX_DEFINE_CLASS(sxQueue)
+
+namespace {
+sxBase* makeLock() {
+  return sxiHooks::makeLock ? sxiHooks::makeLock() : nullptr;
+}
+}  // namespace
 
 void sxQueue::allocate(int size, int cap) {
   elementSize = size < 1 ? 1 : size;
@@ -17,13 +22,11 @@ void sxQueue::allocate(int size, int cap) {
   count.store(0, std::memory_order_relaxed);
 }
 
-sxQueue::sxQueue(int size, int cap) : lock(new sxLock), mode(OVERWRITE) {
-  if (lock) lock->ref();
+sxQueue::sxQueue(int size, int cap) : lock(makeLock()), mode(OVERWRITE) {
   allocate(size, cap);
 }
 
-sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(new sxLock), mode(source.mode) {
-  if (lock) lock->ref();
+sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(makeLock()), mode(source.mode) {
   allocate(source.elementSize, source.capacity);
   copyRecordsFrom(source);
 }
@@ -31,7 +34,7 @@ sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(new sxLock), mode
 sxQueue& sxQueue::operator=(const sxQueue& source) {
   if (this == &source) return *this;
   sxBase::operator=(source);
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   sxMemory::free(buffer);
   allocate(source.elementSize, source.capacity);
   mode = source.mode;
@@ -46,7 +49,7 @@ sxQueue::~sxQueue() {
 
 void sxQueue::copyRecordsFrom(const sxQueue& source) {
   if (!buffer) return;
-  sxiLockScope guard(source.lock);
+  sxiKernel::LockGuard guard(source.lock);
   const char* p = source.readPtr;
   int n = source.getCount();
   for (int i = 0; i < n; ++i) {
@@ -80,7 +83,7 @@ bool sxQueue::grow() {
 
 bool sxQueue::put(const void* element) {
   if (!element) return false;
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   if (!buffer) return false;
   int n = count.load(std::memory_order_relaxed);
   if (mode == BOUNDED && n >= capacity - 1) return false;
@@ -100,7 +103,7 @@ bool sxQueue::get(void* out) {
   if (!out) return false;
   // A reader polling an empty queue does not contend with the writers.
   if (count.load(std::memory_order_relaxed) < 1) return false;
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   int n = count.load(std::memory_order_relaxed);
   if (n < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
@@ -111,19 +114,19 @@ bool sxQueue::get(void* out) {
 
 bool sxQueue::sample(void* out) const {
   if (!out) return false;
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   if (count.load(std::memory_order_relaxed) < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
   return true;
 }
 
 void sxQueue::reset() {
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   writePtr = readPtr = buffer;
   count.store(0, std::memory_order_relaxed);
 }
 
 void sxQueue::setMode(MODE m) {
-  sxiLockScope guard(lock);
+  sxiKernel::LockGuard guard(lock);
   mode = m;
 }

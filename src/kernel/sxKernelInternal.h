@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+class sxThread;
+
 // Library-private state of the kernel services.
 namespace sxiKernel {
 
@@ -20,18 +22,25 @@ inline int compareIgnoreCase(const char* a, const char* b) {
 
 // Set by sxInit: plug-in records constructed afterwards count instances.
 bool initFlag();
+// Marks the library initialised; false when it already was.
+bool markInitialized(void* appInstance);
 // Platform id of the thread that loaded the library.
 std::uint32_t appThreadId();
 // Registers a clean-up to run when the library is unloaded (newest first).
 void atUnload(void (*cleanUp)());
+// Runs the registered clean-ups, newest first.
+void runUnloadCleanUps();
+
+// Load-time set-up of the services: the settings read from the registry and
+// the calling thread recorded as the application thread.
+void readSettings();
+// The application thread's object; the previous one is returned.
+sxThread* exchangeAppThread(sxThread* thread);
 
 // Set-up and clean-up of the module-wide lists owned by the services.
 void initFilePaths();
 void cleanUpFilePaths();
 void initClock();
-void initRenderContexts();
-void cleanUpRenderContexts();
-void closeRenderContexts();
 void formatSignature();
 
 }  // namespace sxiKernel

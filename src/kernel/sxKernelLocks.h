@@ -2,7 +2,9 @@
 
 #include <atomic>
 
-class sxLock;
+#include "kernel/sxHooks.h"
+
+class sxBase;
 
 // The five kernel locks. Each is skipped while it does not exist (before the
 // library's initialiser creates it and after sxShutdown releases it). Where
@@ -11,29 +13,30 @@ namespace sxiKernel {
 
 enum LockId { memoryLock, baseLock, typeLock, plugInLock, groupLock, numLocks };
 
-extern std::atomic<sxLock*> locks[numLocks];
+extern std::atomic<sxBase*> locks[numLocks];
 
-inline sxLock* getLock(LockId id) {
+inline sxBase* getLock(LockId id) {
   return locks[id].load(std::memory_order_acquire);
 }
 
-void acquireLock(sxLock* lock);
-void releaseLock(sxLock* lock);
+inline void acquireLock(sxBase* lock) {
+  if (lock && sxiHooks::acquireLock) sxiHooks::acquireLock(lock);
+}
+inline void releaseLock(sxBase* lock) {
+  if (lock && sxiHooks::releaseLock) sxiHooks::releaseLock(lock);
+}
 
-// Holds one kernel lock for a scope, when it exists.
+// Holds a lock for a scope, when it exists.
 class LockGuard {
  public:
-  explicit LockGuard(LockId id) : lock(getLock(id)) {
-    if (lock) acquireLock(lock);
-  }
-  ~LockGuard() {
-    if (lock) releaseLock(lock);
-  }
+  explicit LockGuard(sxBase* lock) : lock(lock) { acquireLock(lock); }
+  explicit LockGuard(LockId id) : LockGuard(getLock(id)) {}
+  ~LockGuard() { releaseLock(lock); }
   LockGuard(const LockGuard&) = delete;
   LockGuard& operator=(const LockGuard&) = delete;
 
  private:
-  sxLock* lock;
+  sxBase* lock;
 };
 
 }  // namespace sxiKernel

@@ -1,7 +1,6 @@
 #include <sx/object/sxArena.h>
 #include <sx/object/sxBase.h>
 #include <sx/object/sxType.h>
-#include <sx/threads/sxThread.h>
 
 #include <cstring>
 

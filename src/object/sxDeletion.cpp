@@ -1,10 +1,10 @@
 #include <sx/object/sxBase.h>
-#include <sx/threads/sxThread.h>
 
 #include <atomic>
 #include <functional>
 #include <unordered_map>
 
+#include "kernel/sxHooks.h"
 #include "kernel/sxKernelLocks.h"
 #include "object/sxDeletion.h"
 
@@ -23,7 +23,7 @@ void sxiDeletion::release(sxBase* obj) {
   {
     sxiKernel::LockGuard guard(sxiKernel::baseLock);
     if (obj->refCount.load() > 0 || isTracked(obj)) return;
-    if (sxThread::deferDeletion(obj)) return;
+    if (sxiHooks::deferDeletion && sxiHooks::deferDeletion(obj)) return;
   }
   destroy(obj);
 }
@@ -45,7 +45,7 @@ int sxiDeletion::pending() {
 }
 
 void sxiDeletion::destroy(sxBase* obj) {
-  if (sxThread::destroysItselfLater(obj)) return;
+  if (sxiHooks::destroysItselfLater && sxiHooks::destroysItselfLater(obj)) return;
   delete obj;
 }
 

@@ -2,11 +2,10 @@
 #include <sx/object/sxBase.h>
 #include <sx/object/sxPlugIn.h>
 #include <sx/object/sxType.h>
-#include <sx/persist/sxLoader.h>
-#include <sx/threads/sxLock.h>
 
 #include <cstring>
 
+#include "kernel/sxHooks.h"
 #include "kernel/sxKernelInternal.h"
 #include "kernel/sxKernelLocks.h"
 #include "object/sxModuleStatic.h"
@@ -72,11 +71,11 @@ bool namesMatch(const sxBase* obj, const char* name) {
 }  // namespace
 
 sxTypeRegistryLock::sxTypeRegistryLock() : lock(sxiKernel::getLock(sxiKernel::typeLock)) {
-  if (lock) sxiKernel::acquireLock(static_cast<sxLock*>(lock));
+  sxiKernel::acquireLock(static_cast<sxBase*>(lock));
 }
 
 sxTypeRegistryLock::~sxTypeRegistryLock() {
-  if (lock) sxiKernel::releaseLock(static_cast<sxLock*>(lock));
+  sxiKernel::releaseLock(static_cast<sxBase*>(lock));
 }
 
 sxType::sxType(sxType* parentType, const char* typeName, CreateFunc create, RemoveFunc remove,
@@ -287,11 +286,11 @@ sxBase* sxType::find(const char* objName, const sxBase* start, bool recursive) c
 }
 
 void sxType::lockInstanceList() const {
-  if (sxLock* l = sxiKernel::getLock(sxiKernel::typeLock)) sxiKernel::acquireLock(l);
+  sxiKernel::acquireLock(sxiKernel::getLock(sxiKernel::typeLock));
 }
 
 void sxType::unlockInstanceList() const {
-  if (sxLock* l = sxiKernel::getLock(sxiKernel::typeLock)) sxiKernel::releaseLock(l);
+  sxiKernel::releaseLock(sxiKernel::getLock(sxiKernel::typeLock));
 }
 
 // --- the registry
@@ -397,7 +396,7 @@ void sxType::removeRegisteredClassData() {
 
 sxBase* sxType::importAs(sxType* type, const char* fileName) {
   if (!type) return nullptr;
-  sxBase* obj = sxLoader::importFile(fileName);
+  sxBase* obj = sxiHooks::importFile ? sxiHooks::importFile(fileName) : nullptr;
   if (obj && !obj->isOfType(type)) {
     obj->unRef();
     return nullptr;

@@ -5,11 +5,10 @@
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 
-#include <strings.h>
-
 #include <cstring>
 #include <string>
 
+#include "kernel/sxKernelInternal.h"
 #include "object/sxDeletion.h"
 #include "object/sxModuleStatic.h"
 #include "persist/sxFileState.h"
@@ -90,7 +89,7 @@ sxLoader* sxLoader::findLoader(const char*) {
 bool sxLoader::addSolmaxFileType(sxType* type, const char* ext) {
   if (!type || !ext) return false;
   for (sxiFileType* t : *fileTypes)
-    if (t->type == type || strcasecmp(t->extension, ext) == 0) return false;
+    if (t->type == type || sxiKernel::compareIgnoreCase(t->extension, ext) == 0) return false;
   auto* record = sxNew<sxiFileType>();
   if (!record) return false;
   record->extension = copyString(ext);

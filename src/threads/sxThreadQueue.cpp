@@ -5,11 +5,13 @@
 #include <sx/kernel/sxKernel.h>
 #include <sx/nodes/sxAction.h>
 #include <sx/threads/sxFlushThread.h>
+#include <sx/threads/sxLock.h>
 #include <sx/threads/sxThread.h>
 
 #include "kernel/sxKernelLocks.h"
 #include "object/sxDeletion.h"
 #include "platform/sxPlatform.h"
+#include "threads/sxThreadHooks.h"
 #include "threads/sxThreadInternals.h"
 
 namespace {
@@ -290,4 +292,16 @@ void sxThread::processDeleteRef(sxBase* obj) {
     sxiDeletion::addPending(-1);
   }
   sxiDeletion::destroy(obj);
+}
+
+void sxiThreadHooks::install() {
+  sxiHooks::makeLock = []() -> sxBase* {
+    sxLock* lock = new sxLock;
+    if (lock) lock->ref();
+    return lock;
+  };
+  sxiHooks::acquireLock = [](sxBase* lock) { static_cast<sxLock*>(lock)->acquire(); };
+  sxiHooks::releaseLock = [](sxBase* lock) { static_cast<sxLock*>(lock)->release(); };
+  sxiHooks::deferDeletion = &sxThread::deferDeletion;
+  sxiHooks::destroysItselfLater = &sxThread::destroysItselfLater;
 }

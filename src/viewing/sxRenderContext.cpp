@@ -2,8 +2,8 @@
 #include <sx/kernel/sxKernel.h>
 #include <sx/viewing/sxRenderContext.h>
 
-#include "kernel/sxKernelInternal.h"
 #include "object/sxModuleStatic.h"
+#include "viewing/sxRenderContextList.h"
 
 SX_DEFINE_CLASS(sxRenderContext)
 
@@ -31,13 +31,11 @@ const sxTList<sxRenderContext*>& sxGetRenderContexts() {
   return *renderContexts;
 }
 
-void sxiKernel::initRenderContexts() {}
-
-void sxiKernel::closeRenderContexts() {
+void sxiRenderContexts::close() {
   for (int i = renderContexts->getNum() - 1; i >= 0; --i)
     if (i < renderContexts->getNum() && (*renderContexts)[i]) (*renderContexts)[i]->close();
 }
 
-void sxiKernel::cleanUpRenderContexts() {
+void sxiRenderContexts::cleanUp() {
   renderContexts->setSize(0);
 }

@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 #include <sx/containers/sxArray.h>
-#include <sx/containers/sxTArray.h>
+#include <sx/math/sxVecArrays.h>
 #include <sx/object/sxMemory.h>
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>

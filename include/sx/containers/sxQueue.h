@@ -5,8 +5,6 @@
 
 #include <sx/object/sxBase.h>
 
-class sxLock;
-
 // A ring buffer of fixed-size records guarded by its own lock: the one
 // container that threads may share. Records are copied in and out by value.
 class SX_API sxQueue : public sxBase {
@@ -56,6 +54,7 @@ class SX_API sxQueue : public sxBase {
   std::int32_t capacity;
   std::int32_t elementSize;
   std::atomic<std::int32_t> count;
-  sxLock* lock;
+  // The queue's own lock (a library lock object), null if none could be made.
+  sxBase* lock;
   MODE mode;
 };

@@ -1,13 +1,10 @@
 #pragma once
 
 #include <sx/containers/sxArray.h>
-#include <sx/math/sxUByteVec.h>
-#include <sx/math/sxVec2.h>
-#include <sx/math/sxVec3.h>
-#include <sx/math/sxVec4.h>
 
-// The element type code of T, for the element types of the library. A
-// further value type of matching size opts in with SX_ARRAY_ELEMENT.
+// The element type code of T, for the element types of the library (the
+// vector types opt in from <sx/math/sxVecArrays.h>). A further value type of
+// matching size opts in with SX_ARRAY_ELEMENT.
 template <class T>
 struct sxArrayElement;
 
@@ -22,11 +19,6 @@ SX_ARRAY_ELEMENT(unsigned short, sxArray::TYPE_USHORT);
 SX_ARRAY_ELEMENT(int, sxArray::TYPE_INT);
 SX_ARRAY_ELEMENT(float, sxArray::TYPE_FLOAT);
 SX_ARRAY_ELEMENT(double, sxArray::TYPE_DOUBLE);
-SX_ARRAY_ELEMENT(sxUByteVec3, sxArray::TYPE_UBYTEVEC3);
-SX_ARRAY_ELEMENT(sxUByteVec4, sxArray::TYPE_UBYTEVEC4);
-SX_ARRAY_ELEMENT(sxVec2, sxArray::TYPE_VEC2);
-SX_ARRAY_ELEMENT(sxVec3, sxArray::TYPE_VEC3);
-SX_ARRAY_ELEMENT(sxVec4, sxArray::TYPE_VEC4);
 
 // A thin typed view of an array's elements. It holds no reference; the
 // array must outlive it. A view of an array of another element type (or of

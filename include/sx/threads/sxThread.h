@@ -147,7 +147,7 @@ class SX_API sxThread : public sxBase {
   void processDeleteRef(sxBase* object);
 
  private:
-  friend struct sxiDeletion;
+  friend struct sxiThreadHooks;
   struct Internals;
   struct Item;
   static constexpr unsigned short appThreadFlag = 0x0001;

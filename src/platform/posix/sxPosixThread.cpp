@@ -7,7 +7,7 @@
 #include <time.h>
 #include <unistd.h>
 
-#include <sx/object/sxMemory.h>
+#include <cstdlib>
 
 #include "platform/sxPlatform.h"
 
@@ -23,7 +23,7 @@ struct StartRecord {
 
 void* threadStart(void* p) {
   StartRecord record = *static_cast<StartRecord*>(p);
-  sxMemory::free(p);
+  std::free(p);
   record.entry(record.arg);
   return nullptr;
 }
@@ -50,13 +50,13 @@ std::uint32_t sxPlatform::currentThreadId() {
 
 bool sxPlatform::startThread(ThreadHandle& out, ThreadEntry entry, void* arg) {
   out = 0;
-  auto* record = static_cast<StartRecord*>(sxMemory::malloc(sizeof(StartRecord)));
+  auto* record = static_cast<StartRecord*>(std::malloc(sizeof(StartRecord)));
   if (!record) return false;
   record->entry = entry;
   record->arg = arg;
   pthread_t thread;
   if (pthread_create(&thread, nullptr, threadStart, record) != 0) {
-    sxMemory::free(record);
+    std::free(record);
     return false;
   }
   static_assert(sizeof(pthread_t) <= sizeof(ThreadHandle), "thread handle must fit");
