@@ -50,6 +50,7 @@
 #include <sx/object/sxIndexedType.h>
 #include <sx/object/sxMemory.h>
 #include <sx/object/sxPlugIn.h>
+#include <sx/object/sxRef.h>
 #include <sx/object/sxType.h>
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>

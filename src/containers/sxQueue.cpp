@@ -6,11 +6,6 @@
 
 SX_DEFINE_CLASS(sxQueue)
 
-namespace {
-sxBase* makeLock() {
-  return sxiHooks::makeLock ? sxiHooks::makeLock() : nullptr;
-}
-}  // namespace
 
 void sxQueue::allocate(int size, int cap) {
   elementSize = size < 1 ? 1 : size;
@@ -22,11 +17,11 @@ void sxQueue::allocate(int size, int cap) {
   count.store(0, std::memory_order_relaxed);
 }
 
-sxQueue::sxQueue(int size, int cap) : lock(makeLock()), mode(OVERWRITE) {
+sxQueue::sxQueue(int size, int cap) : lock(sxiHooks::newLock()), mode(OVERWRITE) {
   allocate(size, cap);
 }
 
-sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(makeLock()), mode(source.mode) {
+sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(sxiHooks::newLock()), mode(source.mode) {
   allocate(source.elementSize, source.capacity);
   copyRecordsFrom(source);
 }
@@ -34,7 +29,7 @@ sxQueue::sxQueue(const sxQueue& source) : sxBase(source), lock(makeLock()), mode
 sxQueue& sxQueue::operator=(const sxQueue& source) {
   if (this == &source) return *this;
   sxBase::operator=(source);
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   sxMemory::free(buffer);
   allocate(source.elementSize, source.capacity);
   mode = source.mode;
@@ -44,12 +39,11 @@ sxQueue& sxQueue::operator=(const sxQueue& source) {
 
 sxQueue::~sxQueue() {
   sxMemory::free(buffer);
-  if (lock) lock->unRef();
 }
 
 void sxQueue::copyRecordsFrom(const sxQueue& source) {
   if (!buffer) return;
-  sxiKernel::LockGuard guard(source.lock);
+  sxiKernel::LockGuard guard(source.lock.get());
   const char* p = source.readPtr;
   int n = source.getCount();
   for (int i = 0; i < n; ++i) {
@@ -83,7 +77,7 @@ bool sxQueue::grow() {
 
 bool sxQueue::put(const void* element) {
   if (!element) return false;
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   if (!buffer) return false;
   int n = count.load(std::memory_order_relaxed);
   if (mode == BOUNDED && n >= capacity - 1) return false;
@@ -103,7 +97,7 @@ bool sxQueue::get(void* out) {
   if (!out) return false;
   // A reader polling an empty queue does not contend with the writers.
   if (count.load(std::memory_order_relaxed) < 1) return false;
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   int n = count.load(std::memory_order_relaxed);
   if (n < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
@@ -114,19 +108,19 @@ bool sxQueue::get(void* out) {
 
 bool sxQueue::sample(void* out) const {
   if (!out) return false;
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   if (count.load(std::memory_order_relaxed) < 1) return false;
   std::memcpy(out, readPtr, std::size_t(elementSize));
   return true;
 }
 
 void sxQueue::reset() {
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   writePtr = readPtr = buffer;
   count.store(0, std::memory_order_relaxed);
 }
 
 void sxQueue::setMode(MODE m) {
-  sxiKernel::LockGuard guard(lock);
+  sxiKernel::LockGuard guard(lock.get());
   mode = m;
 }

@@ -16,8 +16,11 @@ using FileImporter = sxBase* (*)(const char* name);
 
 // Locks (threads layer). The kernel locks and every queue's own lock are
 // library lock objects, handled here as plain objects.
-// A new lock holding one reference; null: the caller goes without one.
+// A new lock (count 0); null: the caller goes without one.
 extern ObjectMaker makeLock;
+inline sxBase* newLock() {
+  return makeLock ? makeLock() : nullptr;
+}
 // Null: locking does nothing.
 extern ObjectAction acquireLock;
 extern ObjectAction releaseLock;

@@ -27,17 +27,17 @@ void referenceAll(sxTList<T*>& to, const sxTList<T*>& from) {
 }  // namespace
 
 sxLock* sxEvent::newLock() {
-  return sxiReferenced(new sxLock);
+  return new sxLock;
 }
 
 sxEvent::Signal* sxEvent::newSignal() {
   return sxNew<Signal>();
 }
 
-sxEvent::sxEvent() : sxBase() {}
+sxEvent::sxEvent() : sxBase(), lock(newLock()) {}
 
-sxEvent::sxEvent(const sxEvent& source) : sxBase(source) {
-  sxiLockScope guard(source.lock);
+sxEvent::sxEvent(const sxEvent& source) : sxBase(source), lock(newLock()) {
+  sxiLockScope guard(source.lock.get());
   enabled = source.enabled;
   referenceAll(actions, source.actions);
   referenceAll(actionNodes, source.actionNodes);
@@ -48,7 +48,6 @@ sxEvent::~sxEvent() {
   sxiReleaseAll(actionNodes);
   sxDelete(signal);
   signal = nullptr;
-  sxiRelease(lock);
 }
 
 sxEvent* sxEvent::findOrCreate(const char* name) {
@@ -72,7 +71,7 @@ void sxEvent::trigger(sxEvent* event, sxBase* object) {
 }
 
 void sxEvent::trigger(sxBase* object) {
-  sxiLockScope guard(lock);
+  sxiLockScope guard(lock.get());
   if (signal) signal->pulse();
   if (!enabled || chainDepth >= maxChainDepth) return;
   time = sxGetTime();
@@ -81,23 +80,14 @@ void sxEvent::trigger(sxBase* object) {
   // Indices are re-checked on every step: an action may change the lists
   // (the lock is re-entrant), and each runs referenced, so that one that
   // removes itself lives until it returns.
-  for (int i = 0; i < actions.getNum(); ++i) {
-    sxAction* action = actions[i];
-    action->ref();
-    action->apply(object, this);
-    action->unRef();
-  }
-  for (int i = 0; i < actionNodes.getNum(); ++i) {
-    sxActionNode* node = actionNodes[i];
-    node->ref();
-    node->eventTriggered(object, this);
-    node->unRef();
-  }
+  for (int i = 0; i < actions.getNum(); ++i) sxRef<sxAction>(actions[i])->apply(object, this);
+  for (int i = 0; i < actionNodes.getNum(); ++i)
+    sxRef<sxActionNode>(actionNodes[i])->eventTriggered(object, this);
   --chainDepth;
 }
 
 void sxEvent::enable(bool enable) {
-  sxiLockScope guard(lock);
+  sxiLockScope guard(lock.get());
   enabled = enable;
 }
 
@@ -128,11 +118,11 @@ sxEntry* sxEvent::read(sxFile* file, sxEntry* entry) {
 }
 
 bool sxEvent::addAction(sxAction* action) {
-  return sxiAddReferenced<sxiLockScope>(actions, action, lock);
+  return sxiAddReferenced<sxiLockScope>(actions, action, lock.get());
 }
 
 bool sxEvent::addAction(sxActionNode* node) {
-  return sxiAddReferenced<sxiLockScope>(actionNodes, node, lock);
+  return sxiAddReferenced<sxiLockScope>(actionNodes, node, lock.get());
 }
 
 bool sxEvent::addAction(sxEvent* event) {
@@ -145,11 +135,11 @@ bool sxEvent::addAction(sxEvent* event) {
 }
 
 bool sxEvent::removeAction(sxAction* action) {
-  return sxiRemoveReferenced<sxiLockScope>(actions, action, lock);
+  return sxiRemoveReferenced<sxiLockScope>(actions, action, lock.get());
 }
 
 bool sxEvent::removeAction(sxActionNode* node) {
-  return sxiRemoveReferenced<sxiLockScope>(actionNodes, node, lock);
+  return sxiRemoveReferenced<sxiLockScope>(actionNodes, node, lock.get());
 }
 
 int sxEvent::findChained(const sxEvent* event) const {
@@ -164,7 +154,7 @@ bool sxEvent::removeAction(sxEvent* event) {
   if (!event) return false;
   sxAction* link;
   {
-    sxiLockScope guard(lock);
+    sxiLockScope guard(lock.get());
     const int i = findChained(event);
     if (i < 0) return false;
     link = actions[i];
@@ -182,29 +172,29 @@ T* entryOrNull(const sxTList<T*>& list, int i) {
 }  // namespace
 
 bool sxEvent::isEnabled() const {
-  return sxiLocked(lock, [this] { return enabled; });
+  return sxiLocked(lock.get(), [this] { return enabled; });
 }
 
 double sxEvent::getTime() const {
-  return sxiLocked(lock, [this] { return time; });
+  return sxiLocked(lock.get(), [this] { return time; });
 }
 
 sxBase* sxEvent::getLastObject() const {
-  return sxiLocked(lock, [this] { return lastObject; });
+  return sxiLocked(lock.get(), [this] { return lastObject; });
 }
 
 int sxEvent::getNumActions() const {
-  return sxiLocked(lock, [this] { return actions.getNum(); });
+  return sxiLocked(lock.get(), [this] { return actions.getNum(); });
 }
 
 sxAction* sxEvent::getAction(int i) const {
-  return sxiLocked(lock, [this, i] { return entryOrNull(actions, i); });
+  return sxiLocked(lock.get(), [this, i] { return entryOrNull(actions, i); });
 }
 
 int sxEvent::getNumActionNodes() const {
-  return sxiLocked(lock, [this] { return actionNodes.getNum(); });
+  return sxiLocked(lock.get(), [this] { return actionNodes.getNum(); });
 }
 
 sxActionNode* sxEvent::getActionNode(int i) const {
-  return sxiLocked(lock, [this, i] { return entryOrNull(actionNodes, i); });
+  return sxiLocked(lock.get(), [this, i] { return entryOrNull(actionNodes, i); });
 }

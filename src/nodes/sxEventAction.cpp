@@ -1,12 +1,6 @@
 #include "nodes/sxEventAction.h"
 
-sxiEventAction::sxiEventAction(sxEvent* event) : chained(event) {
-  chained->ref();
-}
-
-sxiEventAction::~sxiEventAction() {
-  chained->unRef();
-}
+sxiEventAction::sxiEventAction(sxEvent* event) : chained(event) {}
 
 bool sxiEventAction::apply(sxBase* object, sxEvent* event) {
   return chained->apply(object, event);

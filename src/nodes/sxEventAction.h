@@ -2,19 +2,19 @@
 
 #include <sx/nodes/sxAction.h>
 #include <sx/nodes/sxEvent.h>
+#include <sx/object/sxRef.h>
 
 // The action through which an event is chained to another: applying it
 // triggers the chained event. It keeps a reference on that event.
 class sxiEventAction : public sxAction {
  public:
   explicit sxiEventAction(sxEvent* chained);
-  ~sxiEventAction() override;
   sxiEventAction(const sxiEventAction&) = delete;
   sxiEventAction& operator=(const sxiEventAction&) = delete;
 
   bool apply(sxBase* object, sxEvent* event) override;
-  sxEvent* getEvent() const { return chained; }
+  sxEvent* getEvent() const { return chained.get(); }
 
  private:
-  sxEvent* chained;
+  sxRef<sxEvent> chained;
 };

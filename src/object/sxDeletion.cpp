@@ -17,6 +17,33 @@ using Table =
                        sxAllocator<std::pair<const sxBase* const, int>>>;
 // Made on the first deferred deletion, freed at module unload.
 constinit Table* inFlight = nullptr;
+
+// Destructions that another destruction on this thread caused (an object
+// releasing its attributes, a group its children) wait here and are
+// carried out by the outermost one, one after the other: destroying a chain
+// of a million objects then nests no deeper than destroying one.
+//
+// Trivially destructible: destructions still happen while the library is
+// unloaded, after the thread's own variables are gone. The storage lives
+// only while a cascade runs.
+struct WorkList {
+  bool active;
+  sxBase** waiting;
+  std::size_t count;
+  std::size_t capacity;
+
+  void push(sxBase* obj) {
+    if (count == capacity) {
+      std::size_t grown = capacity ? 2 * capacity : 64;
+      auto* p = static_cast<sxBase**>(sxMemory::realloc(waiting, grown * sizeof(sxBase*)));
+      if (!p) sxMemory::outOfMemory();
+      waiting = p;
+      capacity = grown;
+    }
+    waiting[count++] = obj;
+  }
+};
+constinit thread_local WorkList destructions{};
 }  // namespace
 
 void sxiDeletion::release(sxBase* obj) {
@@ -46,7 +73,18 @@ int sxiDeletion::pending() {
 
 void sxiDeletion::destroy(sxBase* obj) {
   if (sxiHooks::destroysItselfLater && sxiHooks::destroysItselfLater(obj)) return;
+  WorkList& work = destructions;
+  if (work.active) {
+    work.push(obj);
+    return;
+  }
+  work.active = true;
   delete obj;
+  // Newest first: a tree is then taken down branch by branch, and the list
+  // stays as short as the widest node.
+  while (work.count > 0) delete work.waiting[--work.count];
+  sxMemory::free(work.waiting);
+  work = WorkList{};
 }
 
 void sxiDeletion::deleteNow(sxBase* obj) {

@@ -2,21 +2,8 @@
 
 #include <sx/containers/sxList.h>
 
-// Helpers for objects that hold references on other library objects.
-
-// obj, referenced (null stays null): for members created by their owner.
-template <class T>
-T* sxiReferenced(T* obj) {
-  if (obj) obj->ref();
-  return obj;
-}
-
-// Releases obj's reference and clears the pointer.
-template <class T>
-void sxiRelease(T*& obj) {
-  if (obj) obj->unRef();
-  obj = nullptr;
-}
+// Helpers for objects that hold lists of references on other library
+// objects (single references are sxRef members).
 
 // Releases every element (last first) and frees the list's storage.
 template <class T>

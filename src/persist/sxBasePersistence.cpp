@@ -133,8 +133,8 @@ sxEntry* sxBase::read(sxFile* file, sxEntry* entry) {
 // Reads the fields of objects that were made too deep down.
 static void readDeferred(sxFile* file, sxiFileState& s) {
   for (std::size_t i = 0; i < s.deferredReads.size(); ++i) {
-    auto [obj, entry] = s.deferredReads[i];
-    obj->read(file, entry);
+    sxiFileState::DeferredRead d = s.deferredReads[i];
+    if (!d.obj->read(file, d.entry)) sxiFileAccess::failed(file, d.held);
   }
   s.deferredReads.clear();
 }
@@ -149,18 +149,21 @@ sxBase* sxBase::readRef(sxFile* file, sxEntry* entry) {
     return const_cast<sxBase*>(static_cast<const sxBase*>(h));
   sxBase* obj = sxiFileAccess::createForTag(file, target->getTag());
   if (!obj) return nullptr;
-  sxiFileAccess::hold(file, obj);
+  const std::size_t held = sxiFileAccess::hold(file, obj);
   target->setHandle(obj);
   sxiFileState& s = sxiFileAccess::state(file);
   sxiNesting nesting(s.readNesting);
   if (nesting.tooDeep()) {
-    s.deferredReads.emplace_back(obj, target);
+    s.deferredReads.push_back({obj, target, held});
     return obj;
   }
   bool ok = obj->read(file, target) != nullptr;
   // A record that cannot be read gives no object; the half-read one goes
   // when the file closes, unless something read meanwhile (a cycle) took it.
-  if (!ok) target->setHandle(nullptr);
+  if (!ok) {
+    target->setHandle(nullptr);
+    sxiFileAccess::failed(file, held);
+  }
   if (nesting.outermost()) readDeferred(file, s);
   return ok ? obj : nullptr;
 }

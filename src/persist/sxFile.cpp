@@ -89,9 +89,37 @@ sxFile::~sxFile() {
   sxDelete(state);
 }
 
-bool sxFile::fail(FILE_ERROR code) {
+bool sxFile::fail(FILE_ERROR code, const char* detail) {
   lastError = code;
+  if (state) {
+    std::snprintf(state->errorDetail, sizeof state->errorDetail, "%s", detail ? detail : "");
+  }
   return false;
+}
+
+const char* sxFile::getErrorMessage() const {
+  if (state && state->errorDetail[0]) return state->errorDetail;
+  switch (lastError) {
+    case ERR_NONE:
+      return "";
+    case ERR_OPEN:
+      return "the file could not be opened or created";
+    case ERR_NOT_OPEN:
+      return "no file is open, or its header could not be written";
+    case ERR_READ:
+      return "the file is damaged or could not be read";
+    case ERR_READ_ONLY:
+      return "the file is open for reading only";
+    case ERR_EMPTY:
+      return "the file is empty";
+    case ERR_MAGIC:
+      return "the file is not a scene file";
+    case ERR_NO_DATA:
+      return "the entry has no data";
+    case ERR_WRITE:
+      return "a data block could not be written";
+  }
+  return "unknown error";
 }
 
 void sxFile::cleanUp() {
@@ -118,21 +146,28 @@ void sxFile::cleanUp() {
     state->arrayTag = -2;
     state->dropBuffer();
     state->fileSize = 0;
+    state->decoded = 0;
     state->releaseEntryBlocks();
     state->deferredWrites.clear();
     state->deferredReads.clear();
   }
 }
 
-// Objects first: their destructors may release arrays.
+// Every hold goes back without destroying anything first; then the objects
+// that could not be read are released for good. Their destructors may
+// release other objects of the file, which by then hold only what others
+// gave them.
 void sxFile::releaseHolds() {
   if (!state) return;
-  std::vector<sxBase*, sxAllocator<sxBase*>> objects;
-  std::vector<sxArray*, sxAllocator<sxArray*>> arrays;
+  decltype(state->heldObjects) objects;
+  decltype(state->heldArrays) arrays;
   objects.swap(state->heldObjects);
   arrays.swap(state->heldArrays);
-  for (sxBase* obj : objects) obj->unRef();
-  for (sxArray* a : arrays) a->unRef();
+  for (const auto& held : objects)
+    if (!held.failed) held.obj->unRefNoDelete();
+  for (sxArray* a : arrays) a->unRefNoDelete();
+  for (const auto& held : objects)
+    if (held.failed) held.obj->unRef();
 }
 
 void sxFile::close() {
@@ -418,6 +453,15 @@ bool sxFile::readEntry(sxEntry* entry) {
   if (entry->dataSize < 1) return fail(ERR_NO_DATA);
   entry->freeData();
   std::size_t size = std::size_t(entry->dataSize);
+  if (state->decoded + size > state->budget()) {
+    char detail[sizeof state->errorDetail];
+    std::snprintf(detail, sizeof detail,
+                  "entry data pass %llu MiB, more than a file of %lld bytes can hold",
+                  static_cast<unsigned long long>(state->budget() >> 20),
+                  static_cast<long long>(state->fileSize));
+    return fail(ERR_READ, detail);
+  }
+  state->decoded += size;
   if (entry->compression != sxEntry::RUN_LENGTH) {
     if (std::int64_t(size) > state->fileSize) return fail(ERR_READ);
     auto* data = static_cast<unsigned char*>(sxMemory::calloc(1, size));
@@ -549,9 +593,15 @@ sxBase* sxiFileAccess::createForTag(sxFile* file, int tag) {
   return obj;
 }
 
-void sxiFileAccess::hold(sxFile* file, sxBase* obj) {
+std::size_t sxiFileAccess::hold(sxFile* file, sxBase* obj) {
   obj->ref();
-  file->state->heldObjects.push_back(obj);
+  file->state->heldObjects.push_back({obj, false});
+  return file->state->heldObjects.size() - 1;
+}
+
+void sxiFileAccess::failed(sxFile* file, std::size_t held) {
+  auto& objects = file->state->heldObjects;
+  if (held < objects.size()) objects[held].failed = true;
 }
 
 void sxiFileAccess::hold(sxFile* file, sxArray* array) {

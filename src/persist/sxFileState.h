@@ -55,11 +55,34 @@ struct sxiFileState {
   std::size_t bufferLength = 0;
   std::int64_t fileSize = 0;
 
+  // Entry data read from the file, in bytes, against a budget that grows
+  // with the file: run-length data expand at most 127.5 times and every
+  // byte of a sound file belongs to one entry, so a file that is read
+  // entry by entry never reaches the budget, while one whose entries share
+  // their bytes or claim more than they hold cannot make the reader large.
+  static constexpr std::uint64_t budgetFloor = std::uint64_t(32) << 20;
+  static constexpr std::uint64_t budgetFactor = 128;
+  std::uint64_t decoded = 0;
+  std::uint64_t budget() const {
+    std::uint64_t scaled = budgetFactor * std::uint64_t(fileSize > 0 ? fileSize : 0);
+    return scaled > budgetFloor ? scaled : budgetFloor;
+  }
+
+  // What the last failure was about, beyond its code (empty: nothing more).
+  char errorDetail[160] = {};
+
   // Everything made while reading is held by the file until it closes, so
   // that no entry's handle can outlive its object while reading goes on,
-  // however the classes' readers treat what they get. Closing releases the
-  // holds: what nobody else took is destroyed.
-  std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
+  // however the classes' readers treat what they get. Closing gives the
+  // holds back without destroying anything: objects belong to whoever
+  // takes a reference, before or after the close. Only an object whose
+  // record could not be read is released for good, so that it is destroyed
+  // unless something read meanwhile (a cycle) took it.
+  struct HeldObject {
+    sxBase* obj;
+    bool failed;
+  };
+  std::vector<HeldObject, sxAllocator<HeldObject>> heldObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
 
   // Objects are written and read depth-first, one level of recursion per
@@ -73,8 +96,12 @@ struct sxiFileState {
   int readNesting = 0;
   std::vector<std::pair<const sxBase*, sxEntry*>, sxAllocator<std::pair<const sxBase*, sxEntry*>>>
       deferredWrites;
-  std::vector<std::pair<sxBase*, sxEntry*>, sxAllocator<std::pair<sxBase*, sxEntry*>>>
-      deferredReads;
+  struct DeferredRead {
+    sxBase* obj;
+    sxEntry* entry;
+    std::size_t held;  // its place in heldObjects
+  };
+  std::vector<DeferredRead, sxAllocator<DeferredRead>> deferredReads;
 
   // Entries are carved from blocks that live until the file is closed,
   // rather than allocated one by one: a scene has an entry per object.
@@ -128,8 +155,11 @@ struct sxiFileAccess {
   // Called when an entry has been written completely: its buffer shrinks
   // to its data, so that a file of many entries holds no unused room.
   static void entryComplete(sxEntry* entry);
-  // Records an object or array made while reading (see heldObjects).
-  static void hold(sxFile* file, sxBase* obj);
+  // Records an object or array made while reading (see heldObjects); an
+  // object's hold is numbered, for failed().
+  static std::size_t hold(sxFile* file, sxBase* obj);
   static void hold(sxFile* file, sxArray* array);
+  // The object of that hold could not be read: closing releases it for good.
+  static void failed(sxFile* file, std::size_t held);
   static sxiFileState& state(sxFile* file);
 };

@@ -9,7 +9,6 @@
 #include <string>
 
 #include "kernel/sxKernelInternal.h"
-#include "object/sxDeletion.h"
 #include "object/sxModuleStatic.h"
 #include "persist/sxFileState.h"
 #include "platform/sxPlatform.h"
@@ -160,13 +159,17 @@ sxBase* sxLoader::importFile(const char* name) {
     setError(ERROR_OPEN);
     return nullptr;
   }
-  // The root is held while the file is read and closed, then handed over
-  // with the references that the file's other objects took on it.
-  root->ref();
+  // The file holds the root like everything else it makes, and gives it
+  // back at the close without destroying it, with the references that the
+  // file's other objects took on it; a root that cannot be read goes then.
+  const std::size_t held = sxiFileAccess::hold(&file, root);
   first->setHandle(root);
-  root->read(&file, first);
+  if (!root->read(&file, first)) {
+    sxiFileAccess::failed(&file, held);
+    root = nullptr;
+    setError(ERROR_OPEN);
+  }
   file.close();
-  sxiDeletion::setRefCount(root, root->getRefCount() - 1);
   return root;
 }
 

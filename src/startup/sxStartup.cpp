@@ -157,7 +157,8 @@ void initKernelObject() {
 // Step 5: the five kernel locks.
 void initKernelLocks() {
   sxBase* created[sxiKernel::numLocks];
-  for (sxBase*& lock : created) lock = sxiHooks::makeLock();
+  for (sxBase*& lock : created)
+    if ((lock = sxiHooks::newLock())) lock->ref();
   for (int i = 0; i < sxiKernel::numLocks; ++i) {
     if (!created[i]) continue;
     created[i]->setName(lockNames[i]);

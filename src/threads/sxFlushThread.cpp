@@ -1,25 +1,15 @@
 #include <sx/threads/sxFlushThread.h>
 #include <sx/threads/sxSemaphore.h>
 
-#include "object/sxReferenced.h"
-
 SX_DEFINE_CLASS(sxFlushThread)
 
-namespace {
 // One waiter at a time: the count is 0 or 1.
-sxSemaphore* newSyncSemaphore() {
-  return sxiReferenced(new sxSemaphore(0, 1));
-}
-}  // namespace
-
-sxFlushThread::sxFlushThread() : sxAction(), semaphore(newSyncSemaphore()) {}
+sxFlushThread::sxFlushThread() : sxAction(), semaphore(new sxSemaphore(0, 1)) {}
 
 sxFlushThread::sxFlushThread(const sxFlushThread& source)
-    : sxAction(source), semaphore(newSyncSemaphore()) {}
+    : sxAction(source), semaphore(new sxSemaphore(0, 1)) {}
 
-sxFlushThread::~sxFlushThread() {
-  sxiRelease(semaphore);
-}
+sxFlushThread::~sxFlushThread() = default;
 
 void sxFlushThread::preSyncApply(sxBase*) {}
 

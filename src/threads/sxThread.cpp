@@ -34,19 +34,19 @@ std::uint64_t processAffinity() {
 }  // namespace
 
 sxThread::sxThread(bool isAppThread)
-    : flushAction(sxiReferenced(new sxFlushThread)),
+    : flushAction(new sxFlushThread),
       upstream(nullptr),
-      queue(sxiReferenced(new sxQueue(int(sizeof(Item)), queueCapacity))),
+      queue(new sxQueue(int(sizeof(Item)), queueCapacity)),
       handle(0),
       threadId(0),
       mode(FREE_RUNNING),
       threadFlags(0),
       state(SUSPENDED),
       target(nullptr),
-      trigger(sxiReferenced(new sxSemaphore(0, maxTriggers))),
+      trigger(new sxSemaphore(0, maxTriggers)),
       // Each thread keeps a traversal context of its own for the short
       // computations that need one (bounding volumes, for example).
-      travContext(sxiReferenced(new sxTravContext)),
+      travContext(new sxTravContext),
       renderContext(nullptr),
       internals(sxNew<Internals>()) {
   if (!internals) sxMemory::outOfMemory();
@@ -83,10 +83,10 @@ sxThread::~sxThread() {
     sxiReleaseAll(initActions);
     sxiReleaseAll(actions);
   }
-  sxiRelease(flushAction);
-  sxiRelease(queue);
-  sxiRelease(trigger);
-  sxiRelease(travContext);
+  flushAction.reset();
+  queue.reset();
+  trigger.reset();
+  travContext.reset();
   if (currentThread == this) currentThread = nullptr;
   sxDelete(internals);
   internals = nullptr;
@@ -276,15 +276,12 @@ bool sxThread::apply(sxBase* object) {
 // The action is referenced for the duration of its call.
 bool sxThread::applyList(const sxTList<sxAction*>& list, sxBase* object) {
   for (int i = 0;; ++i) {
-    sxAction* action;
+    sxRef<sxAction> action;
     {
       sxiHold hold(&internals->listLock);
       if (i >= list.getNum()) return true;
       action = list[i];
-      action->ref();
     }
-    const bool ok = action->apply(object, nullptr);
-    action->unRef();
-    if (!ok) return false;
+    if (!action->apply(object, nullptr)) return false;
   }
 }

@@ -146,7 +146,7 @@ void sxThread::flushQueue() {
   }
   if (!flushAction) return;
   sxiHold oneAtATime(&internals->flushLock);
-  if (post(FLUSH, flushAction)) flushAction->waitForSyncToFinish();
+  if (post(FLUSH, flushAction.get())) flushAction->waitForSyncToFinish();
 }
 
 void sxThread::flushHere() {
@@ -295,11 +295,7 @@ void sxThread::processDeleteRef(sxBase* obj) {
 }
 
 void sxiThreadHooks::install() {
-  sxiHooks::makeLock = []() -> sxBase* {
-    sxLock* lock = new sxLock;
-    if (lock) lock->ref();
-    return lock;
-  };
+  sxiHooks::makeLock = []() -> sxBase* { return new sxLock; };
   sxiHooks::acquireLock = [](sxBase* lock) { static_cast<sxLock*>(lock)->acquire(); };
   sxiHooks::releaseLock = [](sxBase* lock) { static_cast<sxLock*>(lock)->release(); };
   sxiHooks::deferDeletion = &sxThread::deferDeletion;

@@ -53,6 +53,9 @@ class SX_API sxArray {
   void ref() { refCount.fetch_add(1, std::memory_order_relaxed); }
   // The last reference frees the elements and the array.
   void unRef();
+  // Releases a reference but never frees the array, even at 0 (see
+  // sxBase::unRefNoDelete).
+  void unRefNoDelete() { refCount.fetch_sub(1, std::memory_order_acq_rel); }
   int getRefCount() const { return refCount.load(std::memory_order_relaxed); }
 
   // The element type code (the type word without its top four bits); codes

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include <sx/object/sxBase.h>
+#include <sx/object/sxRef.h>
 
 // A ring buffer of fixed-size records guarded by its own lock: the one
 // container that threads may share. Records are copied in and out by value.
@@ -55,6 +56,6 @@ class SX_API sxQueue : public sxBase {
   std::int32_t elementSize;
   std::atomic<std::int32_t> count;
   // The queue's own lock (a library lock object), null if none could be made.
-  sxBase* lock;
+  sxRef<sxBase> lock;
   MODE mode;
 };

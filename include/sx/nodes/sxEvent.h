@@ -2,6 +2,7 @@
 
 #include <sx/containers/sxList.h>
 #include <sx/object/sxBase.h>
+#include <sx/object/sxRef.h>
 
 class sxAction;
 class sxActionNode;
@@ -80,14 +81,14 @@ class SX_API sxEvent : public sxBase {
   int findChained(const sxEvent* event) const;
 
   static constexpr int initialActions = 4;
-  static sxLock* newLock();
   static Signal* newSignal();
+  static sxLock* newLock();
 
   double time = 0.0;
   sxTList<sxAction*> actions{initialActions};
   sxTList<sxActionNode*> actionNodes;
   sxBase* lastObject = nullptr;
-  sxLock* lock = newLock();
+  sxRef<sxLock> lock;
   Signal* signal = newSignal();
   bool enabled = true;
 };

@@ -58,6 +58,12 @@ class SX_API sxBase : public sxMemory {
   void setName(const char* name);
   const char* getName() const { return name; }
   int getRefCount() const { return refCount.load(std::memory_order_relaxed); }
+  /// Releases a reference but never destroys the object, even when the
+  /// count reaches 0: for a holder that hands the object on to whoever takes
+  /// it next (a file reader giving back what it held while reading). An
+  /// object left at 0 is destroyed by the next release of a reference that
+  /// someone takes. One atomic operation, like ref() and unRef().
+  void unRefNoDelete() { refCount.fetch_sub(1, std::memory_order_acq_rel); }
   bool isDynamic() const { return (flags & dynamicFlag) != 0; }
   unsigned short getFlags() const { return flags; }
 

@@ -18,12 +18,20 @@ struct sxiFileState;
 // is read in the byte order of the machine that wrote it. Entry data are
 // read only on demand (readEntry).
 //
-// Objects and arrays made while reading are kept alive by the file until it
-// is closed: whoever keeps one takes its own reference before that; what
-// nobody took is then destroyed.
+// Objects and arrays made while reading are kept alive by the file while it
+// is open. Closing gives them back without destroying any: an object read
+// from the file belongs to whoever takes a reference on it, before or after
+// the close (an object that nobody ever takes stays at a count of 0, as a
+// new object does). Only an object whose record could not be read is
+// destroyed at the close, unless something else took it.
 //
-// Failures return false or null and leave a code in getLastError(). One
-// thread uses a file at a time.
+// Failures return false or null and leave a code in getLastError() and a
+// sentence in getErrorMessage(). One thread uses a file at a time.
+//
+// A reader holds no more than a budget of entry data at a time, a multiple
+// of the file's size with a floor of a few tens of megabytes: a sound file
+// never reaches it, and a hostile one fails with ERR_READ instead of making
+// the process large.
 class SX_API sxFile {
  public:
   enum FILE_ERROR {
@@ -88,6 +96,9 @@ class SX_API sxFile {
 
   unsigned getVersion() const;
   FILE_ERROR getLastError() const { return lastError; }
+  /// A sentence on the last failure, for people (never null; empty when
+  /// there was none).
+  const char* getErrorMessage() const;
   bool isByteSwapped() const { return byteSwapped; }
   bool isOpen() const { return fd >= 0; }
   const char* getFileName() const { return fileName; }
@@ -101,7 +112,7 @@ class SX_API sxFile {
   bool writeTagList();
   void cleanUp();
   void releaseHolds();
-  bool fail(FILE_ERROR code);
+  bool fail(FILE_ERROR code, const char* detail = nullptr);
   bool readTables();
   bool readAt(std::int64_t offset, void* out, std::size_t n);
   void handleChanged(sxEntry* entry, const void* old);

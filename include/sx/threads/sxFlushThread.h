@@ -1,6 +1,7 @@
 #pragma once
 
 #include <sx/nodes/sxAction.h>
+#include <sx/object/sxRef.h>
 
 class sxSemaphore;
 
@@ -27,5 +28,5 @@ class SX_API sxFlushThread : public sxAction {
   bool waitForSyncToFinish();
 
  private:
-  sxSemaphore* semaphore;
+  sxRef<sxSemaphore> semaphore;
 };

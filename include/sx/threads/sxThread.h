@@ -5,6 +5,7 @@
 
 #include <sx/containers/sxList.h>
 #include <sx/object/sxBase.h>
+#include <sx/object/sxRef.h>
 
 class sxAction;
 class sxFlushThread;
@@ -117,7 +118,7 @@ class SX_API sxThread : public sxBase {
   // The first thread that linked this one below it.
   sxThread* getUpstreamThread() const;
   int getNumUpstreamThreads() const;
-  sxTravContext* getTravContext() const { return travContext; }
+  sxTravContext* getTravContext() const { return travContext.get(); }
   void setRenderContext(sxRenderContext* context) { renderContext.store(context); }
   sxRenderContext* getRenderContext() const { return renderContext.load(); }
   int getNumActions() const;
@@ -181,11 +182,11 @@ class SX_API sxThread : public sxBase {
   void pin();
   void unpin();
 
-  sxFlushThread* flushAction;
+  sxRef<sxFlushThread> flushAction;
   sxThread* upstream;
   sxTList<sxThread*> upstreamThreads;
   sxTList<sxThread*> downstreamThreads;
-  sxQueue* queue;
+  sxRef<sxQueue> queue;
   std::atomic<std::uintptr_t> handle;
   std::atomic<std::uint32_t> threadId;
   std::atomic<MODE> mode;
@@ -193,8 +194,8 @@ class SX_API sxThread : public sxBase {
   // The state word is also what a suspended worker sleeps on.
   std::atomic<int> state;
   std::atomic<sxBase*> target;
-  sxSemaphore* trigger;
-  sxTravContext* travContext;
+  sxRef<sxSemaphore> trigger;
+  sxRef<sxTravContext> travContext;
   std::atomic<sxRenderContext*> renderContext;
   sxTList<sxAction*> initActions;
   sxTList<sxAction*> actions;
