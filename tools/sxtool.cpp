@@ -12,11 +12,12 @@ void usage(std::FILE* out) {
                "usage: sxtool <command> [options]\n"
                "\n"
                "commands:\n"
-               "  info [--all]   print the library version and signature, the kernel's\n"
-               "                 plug-in record, the settings read at load time, the file\n"
-               "                 search path and the class tree read from the type\n"
-               "                 registry. Classes that are only announced get their\n"
-               "                 record on first use; --all creates every record first.\n"
+               "  info [--all]   print the library version and signature, the plug-in\n"
+               "                 directory, the kernel's plug-in record, the settings read\n"
+               "                 at load time, the file search path and the class tree\n"
+               "                 read from the type registry. Classes that are only\n"
+               "                 announced get their record on first use; --all creates\n"
+               "                 every record first.\n"
                "  --help         print this text\n"
                "\n"
                "environment:\n"
@@ -50,6 +51,7 @@ int info(bool all) {
   if (all) sxType::initAllRegisteredClasses();
   printVersion("library version: ", sxGetVersion());
   std::printf("signature:       %s\n", sxGetSignature());
+  std::printf("plug-in dir:     %s\n", sxGetPlugInDirectory());
   std::printf("\nkernel plug-in record:\n");
   for (int i = 0; i < sxPlugIn::getNum(); ++i) {
     const sxPlugIn* p = sxPlugIn::get(i);

@@ -55,6 +55,7 @@
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
+#include <sx/sxVersion.h>
 #include <sx/threads/sxFlushThread.h>
 #include <sx/threads/sxLock.h>
 #include <sx/threads/sxSemaphore.h>

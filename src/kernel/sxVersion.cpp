@@ -1,16 +1,23 @@
 #include <sx/kernel/sxKernel.h>
+#include <sx/sxVersion.h>
 
 #include <cstdio>
 
 #include "kernel/sxKernelInternal.h"
 
+// Each field must fit its bits, or the packed value would not read back.
+static_assert(SXCORE_VERSION_MAJOR < 256 && SXCORE_VERSION_MINOR < 256 &&
+              SXCORE_VERSION_BUILD < 65536);
+static_assert(SXCORE_VERSION >> 24 == SXCORE_VERSION_MAJOR &&
+              (SXCORE_VERSION >> 16 & 255) == SXCORE_VERSION_MINOR &&
+              (SXCORE_VERSION & 0xFFFF) == SXCORE_VERSION_BUILD);
+
 namespace {
-constexpr unsigned libraryVersion = 0x01020006;
 char signature[64];
 }  // namespace
 
 unsigned sxGetVersion() {
-  return libraryVersion;
+  return SXCORE_VERSION;
 }
 
 unsigned sxMakeVersion(unsigned major, unsigned minor, unsigned build) {
@@ -32,6 +39,6 @@ const char* sxGetSignature() {
 }
 
 void sxiKernel::formatSignature() {
-  std::snprintf(signature, sizeof signature, "%s %d.%d %d %s", "Solmax Release", 1, 2, 6,
-                "Jun 10 1999");
+  std::snprintf(signature, sizeof signature, "%s %d.%d %d %s", "Solmax Release",
+                SXCORE_VERSION_MAJOR, SXCORE_VERSION_MINOR, SXCORE_VERSION_BUILD, "Jun 10 1999");
 }

@@ -170,6 +170,10 @@ bool moduleFree(ModuleHandle module);
 bool executablePath(char* out, std::size_t size);
 // Current working directory.
 bool currentDirectory(char* out, std::size_t size);
+// Directory of the file this library was loaded from (the executable's when
+// the library is linked in statically), absolute, without a trailing
+// separator. False when unknown or longer than size - 1.
+bool libraryDirectory(char* out, std::size_t size);
 
 // --- files: binary, unbuffered, with seeking
 enum class FileMode { readOnly, readWrite, create };

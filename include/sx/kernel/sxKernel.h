@@ -90,6 +90,13 @@ SX_API int sxFindFile(const char* name, int bufferSize, char* outPath);
 // one that ends in a separator.
 SX_API const char* sxGetFileName(const char* path);
 
+/// The installed plug-in directory: "sxcore" in the directory of the loaded
+/// library file (`<libdir>/sxcore`), found at run time so that an installed
+/// tree still works after it has been moved. Absolute; never null, empty when
+/// the library cannot tell where it was loaded from. The directory need not
+/// exist.
+SX_API const char* sxGetPlugInDirectory();
+
 // --- clock: seconds since the library was loaded
 SX_API double sxGetTime();
 

@@ -1,5 +1,7 @@
 #include <dlfcn.h>
+#include <limits.h>
 #include <link.h>
+#include <stdlib.h>
 #include <string.h>
 #include <strings.h>
 #include <unistd.h>
@@ -25,6 +27,9 @@ bool nameMatches(const char* file, const char* wanted) {
   }
   return false;
 }
+
+// Any address inside the library tells the loader which file it came from.
+const char anchor = 0;
 
 struct FindState {
   const char* wanted;
@@ -77,4 +82,24 @@ bool sxPlatform::executablePath(char* out, size_t size) {
 
 bool sxPlatform::currentDirectory(char* out, size_t size) {
   return out && size && getcwd(out, size) != nullptr;
+}
+
+bool sxPlatform::libraryDirectory(char* out, size_t size) {
+  if (!out || size == 0) return false;
+  Dl_info info;
+  link_map* map = nullptr;
+  if (!dladdr1(&anchor, &info, reinterpret_cast<void**>(&map), RTLD_DL_LINKMAP) || !map)
+    return false;
+  // The loader leaves the executable's name empty; a library's name may be
+  // relative or a symbolic link, hence realpath.
+  char file[PATH_MAX];
+  bool known =
+      *map->l_name ? realpath(map->l_name, file) != nullptr : executablePath(file, sizeof file);
+  const char* slash = known ? strrchr(file, '/') : nullptr;
+  if (!slash) return false;
+  size_t n = slash == file ? 1 : size_t(slash - file);  // keep the root's "/"
+  if (n >= size) return false;
+  memcpy(out, file, n);
+  out[n] = 0;
+  return true;
 }

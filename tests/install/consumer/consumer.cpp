@@ -1,4 +1,4 @@
-// A minimal application of the installed library.
+// A minimal application of the library, installed or built as a sub-project.
 #include <sx/sxCore.h>
 
 #include <cstdio>
@@ -9,6 +9,7 @@ int main() {
   if (!g) return 1;
   g->ref();
   std::printf("consumer: %s %d\n", g->getType()->getName(), sxGroup::getNum(false));
+  std::printf("plug-in directory: %s\n", sxGetPlugInDirectory());
   g->unRef();
   sxShutdown();
   return 0;
