@@ -4,7 +4,9 @@
 
 #include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <string>
+#include <vector>
 
 #include "kernel/sxKernelInternal.h"
 #include "object/sxModuleStatic.h"
@@ -12,7 +14,13 @@
 
 namespace {
 
+// Imports on any thread search the path while others may edit it: every
+// access holds the lock, and a search works on a copy, so that no edit
+// waits for the file system.
 constinit sxiModuleStatic<sxTList<char*>> filePaths;
+constinit std::mutex filePathLock;
+
+using String = std::basic_string<char, std::char_traits<char>, sxAllocator<char>>;
 
 inline bool isSeparator(char c) {
   return c == '/' || c == '\\';
@@ -37,6 +45,7 @@ void sxAddFilePath(const char* dir) {
   std::memcpy(copy, dir, n);
   if (needSeparator) copy[n++] = sxPlatform::pathSeparator;
   copy[n] = 0;
+  std::lock_guard<std::mutex> hold(filePathLock);
   for (const char* p : *filePaths) {
     if (std::strcmp(p, copy) == 0) {
       sxMemory::free(copy);
@@ -58,36 +67,56 @@ void sxAddFilePaths(const char* dirs) {
 }
 
 void sxDeleteFilePaths() {
+  std::lock_guard<std::mutex> hold(filePathLock);
   for (char* p : *filePaths) sxMemory::free(p);
   filePaths->reset();
 }
 
 int sxGetNumFilePaths() {
+  std::lock_guard<std::mutex> hold(filePathLock);
   return filePaths->getNum();
 }
 
 const char* sxGetFilePath(int i) {
+  std::lock_guard<std::mutex> hold(filePathLock);
   return filePaths->indexInRange(i) ? (*filePaths)[i] : nullptr;
 }
 
-int sxFindFile(const char* name, int bufferSize, char* outPath) {
-  if (!name) return 0;
-  auto found = [&](const std::string& candidate) {
-    if (outPath && bufferSize > 0)
-      std::strncpy(outPath, candidate.c_str(), std::size_t(bufferSize));
-    return int(candidate.size()) + 1;
-  };
-  if (opens(name)) return found(name);
-  if (outPath && bufferSize > 0) outPath[0] = 0;
-  for (const char* dir : *filePaths) {
-    std::string candidate(dir);
+bool sxiKernel::findFile(const char* name, String& found) {
+  found.clear();
+  if (!name) return false;
+  if (opens(name)) {
+    found = name;
+    return true;
+  }
+  std::vector<String, sxAllocator<String>> dirs;
+  {
+    std::lock_guard<std::mutex> hold(filePathLock);
+    dirs.reserve(std::size_t(filePaths->getNum()));
+    for (const char* dir : *filePaths) dirs.emplace_back(dir);
+  }
+  for (String& candidate : dirs) {
     if (!candidate.empty() && !isSeparator(candidate.back()) && !isSeparator(name[0]))
       candidate.push_back(sxPlatform::pathSeparator);
     candidate += name;
-    if (opens(candidate.c_str())) return found(candidate);
-    if (outPath && bufferSize > 0) outPath[0] = 0;
+    if (opens(candidate.c_str())) {
+      found = std::move(candidate);
+      return true;
+    }
   }
-  return 0;
+  return false;
+}
+
+int sxFindFile(const char* name, int bufferSize, char* outPath) {
+  String found;
+  const bool ok = sxiKernel::findFile(name, found);
+  if (outPath && bufferSize > 0) {
+    if (ok)
+      std::strncpy(outPath, found.c_str(), std::size_t(bufferSize));
+    else
+      outPath[0] = 0;
+  }
+  return ok ? int(found.size()) + 1 : 0;
 }
 
 const char* sxGetFileName(const char* path) {
@@ -103,5 +132,6 @@ void sxiKernel::initFilePaths() {}
 
 void sxiKernel::cleanUpFilePaths() {
   sxDeleteFilePaths();
+  std::lock_guard<std::mutex> hold(filePathLock);
   filePaths->setSize(0);
 }

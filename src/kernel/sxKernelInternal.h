@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+
+#include <sx/object/sxMemory.h>
 
 class sxThread;
 
@@ -36,6 +39,11 @@ void runUnloadCleanUps();
 void readSettings();
 // The application thread's object; the previous one is returned.
 sxThread* exchangeAppThread(sxThread* thread);
+
+// sxFindFile for the library: the first candidate that opens, whole; false
+// when none does.
+bool findFile(const char* name,
+              std::basic_string<char, std::char_traits<char>, sxAllocator<char>>& found);
 
 // Set-up and clean-up of the module-wide lists owned by the services.
 void initFilePaths();

@@ -147,6 +147,7 @@ void sxFile::cleanUp() {
     state->dropBuffer();
     state->fileSize = 0;
     state->decoded = 0;
+    state->overBudget = false;
     state->releaseEntryBlocks();
     state->deferredWrites.clear();
     state->deferredReads.clear();
@@ -459,6 +460,7 @@ bool sxFile::readEntry(sxEntry* entry) {
                   "entry data pass %llu MiB, more than a file of %lld bytes can hold",
                   static_cast<unsigned long long>(state->budget() >> 20),
                   static_cast<long long>(state->fileSize));
+    state->overBudget = true;
     return fail(ERR_READ, detail);
   }
   state->decoded += size;
@@ -597,6 +599,10 @@ std::size_t sxiFileAccess::hold(sxFile* file, sxBase* obj) {
   obj->ref();
   file->state->heldObjects.push_back({obj, false});
   return file->state->heldObjects.size() - 1;
+}
+
+bool sxiFileAccess::overBudget(sxFile* file) {
+  return file->state->overBudget;
 }
 
 void sxiFileAccess::failed(sxFile* file, std::size_t held) {

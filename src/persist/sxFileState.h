@@ -63,6 +63,7 @@ struct sxiFileState {
   static constexpr std::uint64_t budgetFloor = std::uint64_t(32) << 20;
   static constexpr std::uint64_t budgetFactor = 128;
   std::uint64_t decoded = 0;
+  bool overBudget = false;
   std::uint64_t budget() const {
     std::uint64_t scaled = budgetFactor * std::uint64_t(fileSize > 0 ? fileSize : 0);
     return scaled > budgetFloor ? scaled : budgetFloor;
@@ -161,5 +162,8 @@ struct sxiFileAccess {
   static void hold(sxFile* file, sxArray* array);
   // The object of that hold could not be read: closing releases it for good.
   static void failed(sxFile* file, std::size_t held);
+  // True once an entry was refused for passing the budget: the file is
+  // hostile, and nothing read from it should be used.
+  static bool overBudget(sxFile* file);
   static sxiFileState& state(sxFile* file);
 };

@@ -5,7 +5,9 @@
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 
+#include <cstdio>
 #include <cstring>
+#include <mutex>
 #include <string>
 
 #include "kernel/sxKernelInternal.h"
@@ -24,10 +26,19 @@ namespace {
 
 using String = std::basic_string<char, std::char_traits<char>, sxAllocator<char>>;
 
+// Shared by every thread: the native file types and the save directory.
 constinit sxiModuleStatic<sxTList<sxiFileType*>> fileTypes;
-constinit sxLoader::LOADER_ERROR errorCode = sxLoader::ERROR_NONE;
-constinit char* errorMessage = nullptr;
 constinit char* saveDir = nullptr;
+constinit std::mutex sharedLock;
+
+// Each thread's imports and exports report to that thread. Plain storage:
+// it must outlive nothing and free nothing when a thread ends.
+struct ErrorState {
+  sxLoader::LOADER_ERROR code;
+  bool hasMessage;  // null message until the first setErrorMessage
+  char message[512];
+};
+constinit thread_local ErrorState lastError{};
 
 char* copyString(const char* s, std::size_t extra = 0) {
   std::size_t n = std::strlen(s) + 1;
@@ -49,29 +60,40 @@ const char* extensionOf(const char* path) {
   return dot ? dot + 1 : nullptr;
 }
 
+// A failure of this layer: the code and a sentence naming the file.
+template <class... Args>
+void report(sxLoader::LOADER_ERROR code, const char* format, Args... args) {
+  lastError.code = code;
+  lastError.hasMessage = true;
+  std::snprintf(lastError.message, sizeof lastError.message, format, args...);
+}
+
+// Starts an import or export: no error, an empty message.
+void resetError() {
+  lastError.code = sxLoader::ERROR_NONE;
+  lastError.message[0] = 0;
+}
+
 }  // namespace
 
 void sxLoader::setError(LOADER_ERROR code) {
-  errorCode = code;
+  lastError.code = code;
 }
 sxLoader::LOADER_ERROR sxLoader::getError() {
-  return errorCode;
+  return lastError.code;
 }
 
 void sxLoader::setErrorMessage(const char* msg) {
-  if (!errorMessage) {
-    errorMessage = copyString("");
+  if (!lastError.hasMessage) {
+    lastError.hasMessage = true;
+    lastError.message[0] = 0;
     return;
   }
-  if (!msg) msg = "";
-  char* fresh = copyString(msg, 10);
-  if (!fresh) return;
-  sxMemory::free(errorMessage);
-  errorMessage = fresh;
+  std::snprintf(lastError.message, sizeof lastError.message, "%s", msg ? msg : "");
 }
 
 const char* sxLoader::getErrorMessage() {
-  return errorMessage;
+  return lastError.hasMessage ? lastError.message : nullptr;
 }
 
 bool sxLoader::exportScene(const sxBase*, const char*) {
@@ -87,6 +109,7 @@ sxLoader* sxLoader::findLoader(const char*) {
 
 bool sxLoader::addSolmaxFileType(sxType* type, const char* ext) {
   if (!type || !ext) return false;
+  std::lock_guard<std::mutex> hold(sharedLock);
   for (sxiFileType* t : *fileTypes)
     if (t->type == type || sxiKernel::compareIgnoreCase(t->extension, ext) == 0) return false;
   auto* record = sxNew<sxiFileType>();
@@ -102,52 +125,49 @@ bool sxLoader::addSolmaxFileType(sxType* type, const char* ext) {
 }
 
 int sxLoader::getNumSolmaxFileTypes() {
+  std::lock_guard<std::mutex> hold(sharedLock);
   return fileTypes->getNum();
 }
 
 const char* sxLoader::getSolmaxFileType(int i) {
+  std::lock_guard<std::mutex> hold(sharedLock);
   return fileTypes->indexInRange(i) ? (*fileTypes)[i]->extension : nullptr;
 }
 
 void sxLoader::setSaveDirectory(const char* dir) {
+  char* fresh = copyString(dir ? dir : "", dir ? 1 : 0);
+  if (fresh && dir) std::memcpy(fresh + std::strlen(dir), "/", 2);
+  std::lock_guard<std::mutex> hold(sharedLock);
   sxMemory::free(saveDir);
-  saveDir = nullptr;
-  if (!dir) {
-    saveDir = copyString("");
-    return;
-  }
-  std::size_t n = std::strlen(dir);
-  saveDir = copyString(dir, 1);
-  if (saveDir) std::memcpy(saveDir + n, "/", 2);
+  saveDir = fresh;
 }
 
 const char* sxLoader::getSaveDirectory() {
+  std::lock_guard<std::mutex> hold(sharedLock);
   return saveDir;
 }
 
 sxBase* sxLoader::importFile(const char* name) {
-  setError(ERROR_NONE);
-  int length = name ? sxFindFile(name, 0, nullptr) : 0;
-  if (length <= 0) {
-    setError(ERROR_NOT_FOUND);
+  resetError();
+  String path;
+  if (!sxiKernel::findFile(name, path)) {
+    report(ERROR_NOT_FOUND, "%s: not found on the search path", name ? name : "(null)");
     return nullptr;
   }
-  String path(std::size_t(length), '\0');
-  if (sxFindFile(name, length, path.data()) <= 0) {
-    setError(ERROR_NOT_FOUND);
-    return nullptr;
-  }
-  path.resize(std::strlen(path.c_str()));
   const char* ext = extensionOf(path.c_str());
   if (!ext) {
-    setError(ERROR_NO_EXTENSION);
+    report(ERROR_NO_EXTENSION, "%s: the name has no extension", path.c_str());
     return nullptr;
   }
   if (sxLoader* loader = findLoader(ext)) return loader->import(path.c_str());
 
   sxFile file;
-  if (!sxFile::isSolmaxFormat(path.c_str()) || !file.open(path.c_str(), "r")) {
-    setError(ERROR_OPEN);
+  if (!sxFile::isSolmaxFormat(path.c_str())) {
+    report(ERROR_OPEN, "%s: no loader reads .%s files, and it is no scene file", path.c_str(), ext);
+    return nullptr;
+  }
+  if (!file.open(path.c_str(), "r")) {
+    report(ERROR_OPEN, "%s: %s", path.c_str(), file.getErrorMessage());
     return nullptr;
   }
   sxPlugIn::loadPlugIns(&file);
@@ -156,7 +176,9 @@ sxBase* sxLoader::importFile(const char* name) {
                      ? sxiFileAccess::createForTag(&file, first->getTag())
                      : nullptr;
   if (!root) {
-    setError(ERROR_OPEN);
+    const char* tag = first ? file.getTagDesc(first->getTag()) : nullptr;
+    report(ERROR_OPEN, "%s: the root entry names no class that can be made (%s)", path.c_str(),
+           tag ? tag : "no tag");
     return nullptr;
   }
   // The file holds the root like everything else it makes, and gives it
@@ -164,51 +186,63 @@ sxBase* sxLoader::importFile(const char* name) {
   // file's other objects took on it; a root that cannot be read goes then.
   const std::size_t held = sxiFileAccess::hold(&file, root);
   first->setHandle(root);
-  if (!root->read(&file, first)) {
+  if (!root->read(&file, first) || sxiFileAccess::overBudget(&file)) {
     sxiFileAccess::failed(&file, held);
+    report(ERROR_OPEN, "%s: the root object could not be read: %s", path.c_str(),
+           file.getErrorMessage()[0] ? file.getErrorMessage() : "its record is damaged");
     root = nullptr;
-    setError(ERROR_OPEN);
   }
   file.close();
   return root;
 }
 
 bool sxLoader::exportFile(const sxBase* root, const char* name) {
-  setError(ERROR_NONE);
+  resetError();
   if (!name) {
-    setError(ERROR_NOT_FOUND);
+    report(ERROR_NOT_FOUND, "no file name to export to");
     return false;
   }
-  String path(saveDir ? saveDir : "");
+  String path;
+  sxiFileType* match = nullptr;
+  // Looked up first: class registration takes the type lock before this
+  // layer's lock.
+  const bool isGroup = root && root->isOfType(sxType::findType("sxGroup"));
+  {
+    std::lock_guard<std::mutex> hold(sharedLock);
+    if (saveDir) path = saveDir;
+    if (root && !isGroup)
+      for (sxiFileType* t : *fileTypes)
+        if (root->isOfType(t->type)) {
+          match = t;
+          break;
+        }
+  }
   path += name;
   const char* ext = extensionOf(path.c_str());
   if (ext)
     if (sxLoader* loader = findLoader(ext)) return loader->exportScene(root, path.c_str());
   if (!root) {
-    setError(ERROR_WRITE);
+    report(ERROR_WRITE, "%s: no object to export", path.c_str());
     return false;
   }
   bool hadExtension = ext != nullptr;
   if (!hadExtension) path += '.';
-  if (root->isOfType(sxType::findType("sxGroup"))) {
+  if (isGroup) {
     if (!hadExtension) path += "sx";
   } else {
-    sxiFileType* match = nullptr;
-    for (sxiFileType* t : *fileTypes)
-      if (root->isOfType(t->type)) {
-        match = t;
-        break;
-      }
     if (!match) {
-      setError(ERROR_NO_FILE_TYPE);
+      const sxType* type = root->getType();
+      report(ERROR_NO_FILE_TYPE, "%s: no file type is registered for class %s", path.c_str(),
+             type ? type->getName() : "(unknown)");
       return false;
     }
+    // Records are never removed while the library runs.
     if (!hadExtension) path += match->extension;
   }
 
   char temporary[4096];
   if (!sxPlatform::fileMakeTemporary(path.c_str(), temporary, sizeof temporary)) {
-    setError(ERROR_NOT_FOUND);
+    report(ERROR_NOT_FOUND, "%s: cannot create a file in its directory", path.c_str());
     return false;
   }
   sxFile file;
@@ -226,7 +260,7 @@ bool sxLoader::exportFile(const sxBase* root, const char* name) {
     failure = ERROR_NOT_FOUND;
   if (failure != ERROR_NONE) {
     sxPlatform::fileRemove(temporary);
-    setError(failure);
+    report(failure, "%s: the file could not be written", path.c_str());
     return false;
   }
   return true;
@@ -235,13 +269,12 @@ bool sxLoader::exportFile(const sxBase* root, const char* name) {
 void sxLoader::initLoaders() {}
 
 void sxLoader::cleanUpClass() {
+  std::lock_guard<std::mutex> hold(sharedLock);
   for (sxiFileType* t : *fileTypes) {
     sxMemory::free(t->extension);
     sxDelete(t);
   }
   fileTypes->setSize(0);
-  sxMemory::free(errorMessage);
-  errorMessage = nullptr;
   sxMemory::free(saveDir);
   saveDir = nullptr;
 }

@@ -72,6 +72,8 @@ SX_API bool sxWriteRegistry(const char* name, float value);
 SX_API bool sxWriteRegistry(const char* name, const char* value);
 
 // --- the file search path
+// Any thread may edit the path while others search it (imports). A text
+// from sxGetFilePath stays valid until sxDeleteFilePaths.
 // Appends dir (with a trailing separator) unless the same text is listed;
 // null and empty are ignored.
 SX_API void sxAddFilePath(const char* dir);

@@ -10,7 +10,11 @@ class sxType;
 // each an sxLoader that handles some file extensions. The layer also keeps
 // the native file types (which class is saved under which extension), a
 // save directory put before export paths, and the error of the last import
-// or export. Imports and exports are made from one thread at a time.
+// or export.
+//
+// Threads may import and export at once, and edit the file search path and
+// the save directory meanwhile. The error code and message are kept per
+// thread: each describes the calling thread's last import or export.
 class SX_API sxLoader : public sxPlugIn {
  public:
   enum LOADER_ERROR {
@@ -49,9 +53,12 @@ class SX_API sxLoader : public sxPlugIn {
 
   // Put before every export path: the directory and a "/"; null: none.
   static void setSaveDirectory(const char* dir);
+  // Valid until the next setSaveDirectory, on any thread.
   static const char* getSaveDirectory();
 
   static LOADER_ERROR getError();
+  // What went wrong, naming the file (null before the thread's first
+  // failure or setErrorMessage; valid until its next import or export).
   static const char* getErrorMessage();
 
   // Discovers the loader modules (sxInit calls it once).
@@ -60,8 +67,8 @@ class SX_API sxLoader : public sxPlugIn {
 
  protected:
   static void setError(LOADER_ERROR code);
-  // Keeps a copy of msg. The first call only creates an empty message and
-  // ignores msg; that is the reference behaviour and kept.
+  // Keeps a copy of msg (up to 511 characters). On a thread that has no
+  // message yet, the call only creates an empty one and ignores msg.
   static void setErrorMessage(const char* msg);
 
  private:

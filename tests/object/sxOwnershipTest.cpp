@@ -1,0 +1,112 @@
+// Who owns an object: references counted by sxRef, holds given back
+// without destroying, and destruction that does not nest per link.
+
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <atomic>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "support/sxTestClasses.h"
+#include "support/sxTestFiles.h"
+
+TEST(sxOwnership, ObjectsReadFromAFileOutliveItsClose) {
+  sxTempDir dir;
+  const std::string path = dir.file("shared.sx");
+  {
+    sxRef<sxTestNode> root(new sxTestNode), child(new sxTestNode);
+    child->setName("child");
+    root->addAttribute(child.get());
+    sxFile file;
+    ASSERT_TRUE(file.create(path.c_str()));
+    root->write(&file, nullptr);
+    ASSERT_TRUE(file.write());
+  }
+  sxBase* child = nullptr;
+  {
+    sxFile file;
+    ASSERT_TRUE(file.open(path.c_str(), "r"));
+    sxEntry* rootEntry = file.getEntry(0);
+    ASSERT_TRUE(file.readEntry(rootEntry));
+    rootEntry->readInt();    // no name
+    rootEntry->readShort();  // flags
+    ASSERT_EQ(rootEntry->readInt(), 1);
+    child = sxBase::readRef(&file, rootEntry);
+    ASSERT_NE(child, nullptr);
+    EXPECT_EQ(child->getRefCount(), 1) << "held by the open file";
+  }
+  // The caller takes its reference after the close; nobody had before.
+  EXPECT_EQ(child->getRefCount(), 0);
+  sxRef<sxBase> kept(child);
+  EXPECT_STREQ(kept->getName(), "child");
+  const int destroyed = sxTestNode::destroyed;
+  kept.reset();
+  EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
+}
+
+TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
+  const int destroyed = sxTestNode::destroyed;
+  sxTestNode* inner = new sxTestNode;
+  {
+    sxRef<sxTestNode> outer(new sxTestNode);
+    outer->addAttribute(inner);
+    sxRef<sxBase> asBase = outer;  // derived to base
+    EXPECT_EQ(outer->getRefCount(), 2);
+    sxRef<sxBase> moved = std::move(asBase);
+    EXPECT_EQ(asBase, nullptr);
+    EXPECT_EQ(outer->getRefCount(), 2);
+    moved = moved;  // self-assignment keeps the object
+    EXPECT_EQ(outer->getRefCount(), 2);
+    moved.reset();
+    // The old object is all that keeps the new one alive: the new one must
+    // be referenced before the old one goes.
+    sxRef<sxBase> swap(outer.get());
+    outer.reset();
+    swap = inner;
+    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
+    EXPECT_EQ(inner->getRefCount(), 1);
+    // Handing a new object on: the reference goes, the object stays.
+    sxBase* handed = swap.release();
+    EXPECT_EQ(handed->getRefCount(), 0);
+    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
+    swap = handed;
+  }
+  EXPECT_EQ(sxTestNode::destroyed, destroyed + 2);
+}
+
+TEST(sxOwnership, ReleaseWithoutDeleteIsOneAtomicStep) {
+  sxRef<sxTestNode> owner(new sxTestNode);
+  constexpr int threads = 4, rounds = 20000;
+  std::vector<std::thread> workers;
+  for (int t = 0; t < threads; ++t)
+    workers.emplace_back([&] {
+      for (int i = 0; i < rounds; ++i) {
+        owner->ref();
+        owner->unRefNoDelete();
+      }
+    });
+  for (std::thread& w : workers) w.join();
+  EXPECT_EQ(owner->getRefCount(), 1);
+  sxTestNode* raw = owner.release();
+  EXPECT_EQ(raw->getRefCount(), 0) << "at 0 and alive";
+  sxRef<sxTestNode> last(raw);
+}
+
+TEST(sxOwnership, AMillionLinkChainIsDestroyedWithoutDeepRecursion) {
+  constexpr int length = 1000000;
+  const int destroyed = sxTestNode::destroyed;
+  const int before = sxBase::getNum(false);
+  sxTestNode* head = new sxTestNode;
+  head->ref();
+  sxTestNode* link = head;
+  for (int i = 1; i < length; ++i) {
+    sxTestNode* next = new sxTestNode;
+    link->addAttribute(next);
+    link = next;
+  }
+  head->unRef();
+  EXPECT_EQ(sxTestNode::destroyed, destroyed + length);
+  EXPECT_EQ(sxBase::getNum(false), before);
+}
