@@ -5,6 +5,7 @@
 
 #include <sx/containers/sxArray.h>
 #include <sx/object/sxBase.h>
+#include <sx/object/sxRef.h>
 #include <sx/object/sxType.h>
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
@@ -17,6 +18,7 @@
 #include <cstdio>
 #include <string>
 #include <unordered_map>
+#include <vector>
 
 namespace {
 
@@ -91,6 +93,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::fwrite(data, 1, size, out);
     std::fclose(out);
   }
+  // What readRef gives is kept the way a caller keeps it: with a reference
+  // of its own, taken while the file is open and dropped after it closes.
+  std::vector<sxRef<sxBase>> objects;
+  std::vector<sxRef<sxArray>> arrays;
   {
     sxFile file;
     if (file.open(path.c_str(), "r")) {
@@ -105,15 +111,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         ref->writeInt(i);
         ref->writeInt(i);
         ref->reset();
-        sxBase::readRef(&file, ref);
-        sxArray::readRef(&file, ref);
+        objects.emplace_back(sxBase::readRef(&file, ref));
+        arrays.emplace_back(sxArray::readRef(&file, ref));
       }
     }
   }
-  if (sxBase* root = sxLoader::importFile(path.c_str())) {
-    root->ref();
-    root->unRef();
-  }
+  objects.clear();
+  arrays.clear();
+  { sxRef<sxBase> root(sxLoader::importFile(path.c_str())); }
   checkLeftovers(before);
   return 0;
 }
