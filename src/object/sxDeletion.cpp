@@ -18,16 +18,19 @@ using Table =
 // Made on the first deferred deletion, freed at module unload.
 constinit Table* inFlight = nullptr;
 
-// Destructions that another destruction on this thread caused (an object
-// releasing its attributes, a group its children) wait here and are
-// carried out by the outermost one, one after the other: destroying a chain
-// of a million objects then nests no deeper than destroying one.
+// A destruction may cause others (an object releasing its attributes, a
+// group its children), which nest inside it. Past maxNesting levels they
+// wait here instead and are carried out by the outermost destruction, one
+// after the other: destroying a chain of a million objects then nests no
+// deeper than destroying a chain of maxNesting, while shallow graphs are
+// taken down as before, each object after what it released.
 //
 // Trivially destructible: destructions still happen while the library is
 // unloaded, after the thread's own variables are gone. The storage lives
 // only while a cascade runs.
 struct WorkList {
-  bool active;
+  static constexpr int maxNesting = 256;
+  int nesting;
   sxBase** waiting;
   std::size_t count;
   std::size_t capacity;
@@ -74,17 +77,20 @@ int sxiDeletion::pending() {
 void sxiDeletion::destroy(sxBase* obj) {
   if (sxiHooks::destroysItselfLater && sxiHooks::destroysItselfLater(obj)) return;
   WorkList& work = destructions;
-  if (work.active) {
+  if (work.nesting >= WorkList::maxNesting) {
     work.push(obj);
     return;
   }
-  work.active = true;
+  ++work.nesting;
   delete obj;
-  // Newest first: a tree is then taken down branch by branch, and the list
-  // stays as short as the widest node.
-  while (work.count > 0) delete work.waiting[--work.count];
-  sxMemory::free(work.waiting);
-  work = WorkList{};
+  if (work.nesting == 1) {
+    // Newest first: each waiting object may add more, which it nests.
+    while (work.count > 0) delete work.waiting[--work.count];
+    sxMemory::free(work.waiting);
+    work = WorkList{};
+  } else {
+    --work.nesting;
+  }
 }
 
 void sxiDeletion::deleteNow(sxBase* obj) {

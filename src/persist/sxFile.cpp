@@ -160,15 +160,15 @@ void sxFile::cleanUp() {
 // gave them.
 void sxFile::releaseHolds() {
   if (!state) return;
-  decltype(state->heldObjects) objects;
+  decltype(state->heldObjects) objects, failed;
   decltype(state->heldArrays) arrays;
   objects.swap(state->heldObjects);
+  failed.swap(state->failedObjects);
   arrays.swap(state->heldArrays);
-  for (const auto& held : objects)
-    if (!held.failed) held.obj->unRefNoDelete();
+  for (sxBase* obj : objects)
+    if (obj) obj->unRefNoDelete();
   for (sxArray* a : arrays) a->unRefNoDelete();
-  for (const auto& held : objects)
-    if (held.failed) held.obj->unRef();
+  for (sxBase* obj : failed) obj->unRef();
 }
 
 void sxFile::close() {
@@ -247,6 +247,9 @@ bool sxFile::readTables() {
   }
   ok = ok && readAt(headerSize + std::int64_t(tagBytes), raw, dirBytes);
   entries.setSize(int(n));
+  // Reading makes at most one object per entry; the directory's size in the
+  // file bounds this.
+  state->heldObjects.reserve(std::size_t(n));
   for (int i = 0; ok && i < n; ++i) {
     const unsigned char* r = raw + std::size_t(i) * directoryRecordSize;
     void* place = state->allocateEntry(sizeof(sxEntry));
@@ -597,7 +600,7 @@ sxBase* sxiFileAccess::createForTag(sxFile* file, int tag) {
 
 std::size_t sxiFileAccess::hold(sxFile* file, sxBase* obj) {
   obj->ref();
-  file->state->heldObjects.push_back({obj, false});
+  file->state->heldObjects.push_back(obj);
   return file->state->heldObjects.size() - 1;
 }
 
@@ -607,7 +610,9 @@ bool sxiFileAccess::overBudget(sxFile* file) {
 
 void sxiFileAccess::failed(sxFile* file, std::size_t held) {
   auto& objects = file->state->heldObjects;
-  if (held < objects.size()) objects[held].failed = true;
+  if (held >= objects.size() || !objects[held]) return;
+  file->state->failedObjects.push_back(objects[held]);
+  objects[held] = nullptr;
 }
 
 void sxiFileAccess::hold(sxFile* file, sxArray* array) {

@@ -79,11 +79,10 @@ struct sxiFileState {
   // takes a reference, before or after the close. Only an object whose
   // record could not be read is released for good, so that it is destroyed
   // unless something read meanwhile (a cycle) took it.
-  struct HeldObject {
-    sxBase* obj;
-    bool failed;
-  };
-  std::vector<HeldObject, sxAllocator<HeldObject>> heldObjects;
+  // A failed object's hold moves from heldObjects (leaving null) to
+  // failedObjects.
+  std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
+  std::vector<sxBase*, sxAllocator<sxBase*>> failedObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
 
   // Objects are written and read depth-first, one level of recursion per
