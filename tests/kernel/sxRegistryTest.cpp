@@ -64,7 +64,7 @@ TEST_F(RegistryFile, ValuesRoundTripByType) {
   EXPECT_EQ(messages, "");
 }
 
-TEST_F(RegistryFile, MissingOrMalformedValuesFailAsSpecified) {
+TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
   int i = 7;
   float f = 2.0f;
   char s[256] = "untouched";
