@@ -59,19 +59,3 @@ TEST(sxShutdown, ClosesRenderContextsLastFirstAndReleasesKernelObjects) {
   });
   EXPECT_EQ(result, 0);
 }
-
-TEST(sxShutdown, KernelLocksAreNamedAndRecursive) {
-  sxLock* found[5] = {};
-  const char* names[5] = {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock",
-                          "sxGroup Lock"};
-  for (int i = 0; i < 5; ++i) {
-    found[i] = sxLock::find(names[i]);
-    ASSERT_NE(found[i], nullptr) << names[i];
-  }
-  // The type lock is re-entrant: a lookup while holding it does not block.
-  sxBase::getClassType()->lockInstanceList();
-  EXPECT_NE(sxType::findType("sxGroup"), nullptr);
-  EXPECT_TRUE(found[2]->isHeldByCurrentThread());
-  sxBase::getClassType()->unlockInstanceList();
-  EXPECT_FALSE(found[2]->isHeldByCurrentThread());
-}
