@@ -24,6 +24,20 @@ enum Outcome {
   actionsLeft,
   appThreadKept,
   setUpFailed,
+  contextsNotClosed,
+  kernelObjectsKept,
+};
+
+std::vector<int> closeOrder;
+
+class RecordingContext : public sxRenderContext {
+ public:
+  explicit RecordingContext(int id) : id(id) { ref(); }
+  void close() override {
+    closeOrder.push_back(id);
+    sxRenderContext::close();
+  }
+  int id;
 };
 
 class SlowAction : public CountingAction {
@@ -44,9 +58,14 @@ sxThread* newWorker(sxThread::MODE mode) {
 // Runs in the child: a chain of three free-running threads below the
 // application thread, plus one triggered thread that is never triggered
 // and one that is never started, all with work queued and deletions on
-// their way, then sxShutdown.
+// their way, and three render contexts of which one is gone again, then
+// sxShutdown.
 int shutdownWithPendingWork() {
   constexpr int objects = 2000, actionsPerThread = 20;
+  auto* first = new RecordingContext(1);
+  (new RecordingContext(2))->unRef();  // destroyed contexts leave the list
+  auto* third = new RecordingContext(3);
+  if (sxGetRenderContexts().getNum() != 2) return setUpFailed;
   sxThread* app = sxGetAppThread();
   sxThread* a = newWorker(sxThread::FREE_RUNNING);
   sxThread* b = newWorker(sxThread::FREE_RUNNING);
@@ -67,9 +86,17 @@ int shutdownWithPendingWork() {
   for (int i = 0; i < actionsPerThread; ++i)
     for (int k = 0; k < 5; ++k) targets[k]->addActionToQueue(&work[size_t(k)]);
 
+  const int locks = sxLock::getNum(false), threads = sxThread::getNum(false);
+
+  sxInit(nullptr);
   sxShutdown();
 
   if (sxGetAppThread() != nullptr) return appThreadKept;
+  if (closeOrder != std::vector<int>{3, 1} || !first->isClosed() || !third->isClosed())
+    return contextsNotClosed;
+  // The application thread, the five kernel locks and its queue's lock go.
+  if (sxThread::getNum(false) != threads - 1 || sxLock::getNum(false) != locks - 6)
+    return kernelObjectsKept;
   for (auto& d : destroyed)
     if (d.load() != 1) return notDestroyedOnce;
   if (sxBase::getNumPendingDeletions() != pending) return stillPending;
@@ -109,7 +136,7 @@ void expectChildExit(int (*scenario)(), int expected) {
   EXPECT_EQ(WEXITSTATUS(status), expected);
 }
 
-TEST(sxShutdown, CarriesOutPendingWorkOfRunningDownstreamThreadsAndReturns) {
+TEST(sxShutdown, CarriesOutPendingWorkClosesContextsAndReleasesTheKernel) {
   // sxShutdown ends the kernel for the whole process, so it runs in a child.
   expectChildExit(&shutdownWithPendingWork, allDone);
 }
