@@ -273,15 +273,4 @@ TEST(Loader, PlugInListInSceneFiles) {
   g->unRef();
 }
 
-TEST(Loader, LoadingAKnownModuleReturnsItsRecord) {
-  messages.clear();
-  sxMessageHandler(collect);
-  sxPlugIn* kernel = sxPlugIn::load("C:\\bin\\sxcore.dll");
-  sxMessageHandler(nullptr);
-  ASSERT_NE(kernel, nullptr);
-  EXPECT_STREQ(kernel->getName(), "Kernel");
-  EXPECT_EQ(messages, "") << "a known module is not announced";
-  EXPECT_EQ(sxPlugIn::load(nullptr), nullptr);
-}
-
 }  // namespace

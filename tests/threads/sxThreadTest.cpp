@@ -4,9 +4,7 @@
 #include <atomic>
 #include <string>
 
-#include "platform/sxPlatform.h"
 #include "support/sxThreadTestSupport.h"
-#include "threads/sxThreadPriority.h"
 
 namespace {
 
@@ -24,6 +22,7 @@ TEST(sxThread, ApplicationThreadWrapper) {
   ASSERT_NE(app, nullptr);
   EXPECT_TRUE(app->isAppThread());
   EXPECT_TRUE(app->inCurrentThread());
+  EXPECT_TRUE(sxInAppThread());
   EXPECT_EQ(sxThread::getCurrentThread(), app);
   EXPECT_EQ(app->getState(), sxThread::RUNNING);
   EXPECT_NE(app->getTravContext(), nullptr);
@@ -59,7 +58,7 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   auto* each = newAction<CountingAction>();
   std::atomic<bool> sawItself{false};
   auto* probe = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t);
+    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
     return true;
   });
   t->addInitAction(init);
@@ -206,36 +205,6 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
   EXPECT_EQ(a->getRefCount(), 1);
   for (auto* x : {a, b, c}) x->unRef();
   EXPECT_EQ(b->getRefCount(), 1);  // still listed
-}
-
-TEST(sxThread, PriorityMappingTable) {
-  using C = sxPlatform::PriorityClass;
-  constexpr int tc = sxPlatform::timeCritical;
-  // The mapping as documented, row by row: a class and the relative level
-  // of the row's first value, rising by step with each further value. The
-  // idle band stays at +2 throughout.
-  struct Row {
-    int from, to;
-    C cls;
-    int first, step;
-  };
-  const Row rows[] = {
-      {0, 10, C::idle, 2, 0},       {11, 14, C::normal, -2, 1}, {15, 17, C::normal, 2, 0},
-      {18, 22, C::high, -2, 1},     {23, 24, C::high, tc, 0},   {25, 29, C::realtime, -2, 1},
-      {30, 31, C::realtime, tc, 0},
-  };
-  int checked = 0;
-  for (const Row& r : rows)
-    for (int p = r.from; p <= r.to; ++p) {
-      const sxiThreadPriority* e = sxiThreadPriority::lookup(p);
-      ASSERT_NE(e, nullptr) << p;
-      EXPECT_EQ(e->priorityClass, r.cls) << p;
-      EXPECT_EQ(e->relative, r.first + r.step * (p - r.from)) << p;
-      ++checked;
-    }
-  EXPECT_EQ(checked, 32);
-  EXPECT_EQ(sxiThreadPriority::lookup(-1), nullptr);
-  EXPECT_EQ(sxiThreadPriority::lookup(32), nullptr);
 }
 
 TEST(sxThread, PriorityAndProcessorRequests) {
