@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "support/sxReferenceScene.h"
+#include "support/sxTestFiles.h"
 
 // Files that a big-endian machine (s390x) really wrote, read here; the CI
 // step .ci/bigendian.sh also hands in freshly written ones through
@@ -36,6 +37,16 @@ TEST(ByteOrder, FilesWrittenOnABigEndianMachine) {
 
 TEST(ByteOrder, FilesWrittenOnALittleEndianMachine) {
   checkDirectory(std::string(SXCORE_TEST_DATA) + "/x86_64", false);
+}
+
+// The writers of this build, read back by its readers: the values, the
+// sharing, the cycles and the run-length entry of the reference files.
+TEST(ByteOrder, FilesWrittenHere) {
+  sxTempDir dir;
+  ASSERT_TRUE(sxReference::writePrimitiveFile(dir.file(sxReference::primitiveFileName).c_str()));
+  ASSERT_TRUE(sxReference::writeSceneFile(dir.file(sxReference::sceneFileName).c_str()));
+  ASSERT_TRUE(sxReference::writeMathFile(dir.file(sxReference::mathFileName).c_str()));
+  checkDirectory(dir.path, sxReference::isBigEndian());
 }
 
 // The file's order and each entry's own order are told apart: an entry

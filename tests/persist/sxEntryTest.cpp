@@ -5,6 +5,8 @@
 #include <cstring>
 #include <vector>
 
+// The layout of the values (alignment, byte order) is guarded by the
+// reference files of the byte-order test; here the ends of the data.
 namespace {
 
 // Entries exist only inside a file; a file that is never opened serves.
@@ -14,39 +16,23 @@ struct EntryFixture {
   EntryFixture() : entry(file.newEntry(file.newTag("sxTest"))) {}
 };
 
-TEST(Entry, AlignmentPaddingAndDataSize) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
-  e->writeByte(7);
-  e->writeInt(0x01020304);
-  EXPECT_EQ(e->getDataSize(), 8);
-  EXPECT_EQ(e->getCursor(), 8);
-  const unsigned char* d = e->getData();
-  EXPECT_EQ(d[0], 7);
-  EXPECT_EQ(d[1] | d[2] | d[3], 0) << "padding is written as the zeroed buffer holds it";
-
-  e->writeShort(-2);    // 8..9, no alignment
-  e->writeDouble(0.5);  // aligned to 16
-  EXPECT_EQ(e->getDataSize(), 24);
-  e->writeFloat(1.0f);  // 24
-  e->writeBool(false);  // 28
-  EXPECT_EQ(e->getDataSize(), 32);
-
-  e->reset();
-  EXPECT_EQ(e->readByte(), 7);
-  EXPECT_EQ(e->readInt(), 0x01020304);
-  EXPECT_EQ(e->readShort(), -2);
-  EXPECT_EQ(e->readDouble(), 0.5);
-  EXPECT_EQ(e->readFloat(), 1.0f);
-  EXPECT_FALSE(e->readBool());
-  EXPECT_EQ(e->getCursor(), 32);
-}
-
 TEST(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
   EntryFixture f;
   sxEntry* e = f.entry;
-  e->writeInt(5);
-  e->readInt();  // cursor now at dataSize
+  e->writeByte(0);
+  const int in[3] = {10, -20, 30};
+  e->writeInts(in, 3);
+  const float fl[2] = {1.5f, -2.5f};
+  e->writeFloats(fl, 2);
+  e->reset();
+  e->readByte();
+  int ints[3];
+  e->readInts(ints, 3);
+  EXPECT_EQ(std::vector<int>(ints, ints + 3), std::vector<int>({10, -20, 30}));
+  // Runs stop element by element at the end.
+  float floats[4];
+  e->readFloats(floats, 4);
+  EXPECT_EQ(std::vector<float>(floats, floats + 4), std::vector<float>({1.5f, -2.5f, -1, -1}));
   ASSERT_EQ(e->getCursor(), e->getDataSize());
   EXPECT_EQ(e->readInt(), -1);
   EXPECT_TRUE(e->readBool());
@@ -58,11 +44,9 @@ TEST(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
   EXPECT_EQ(e->readString(text, 4), -1);
   EXPECT_EQ(text[0], 'x') << "nothing copied past the end";
   EXPECT_EQ(e->readChunk(text, 4), -1);
-  int ints[2] = {9, 9};
   e->readInts(ints, 2);
-  EXPECT_EQ(ints[0], -1);
   EXPECT_EQ(ints[1], -1);
-  EXPECT_EQ(e->getCursor(), 4) << "no reader moves the cursor at the end";
+  EXPECT_EQ(e->getCursor(), e->getDataSize()) << "no reader moves the cursor at the end";
 
   // An entry that has no data at all.
   sxEntry* empty = f.file.newEntry(0);
@@ -87,28 +71,6 @@ TEST(Entry, ValuesReachingPastTheDataCountAsPastTheEnd) {
   std::memcpy(&expected, raw, 2);
   EXPECT_EQ(e->readShort(), expected) << "shorts are not aligned";
   EXPECT_EQ(e->getCursor(), 3);
-}
-
-TEST(Entry, RunsOfIntsAndFloatsStopPerElementAtTheEnd) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
-  const int in[3] = {10, -20, 30};
-  e->writeByte(0);
-  e->writeInts(in, 3);
-  EXPECT_EQ(e->getDataSize(), 16);
-  const float fl[2] = {1.5f, -2.5f};
-  e->writeFloats(fl, 2);
-  e->reset();
-  e->readByte();
-  int out[5];
-  e->readInts(out, 3);
-  EXPECT_EQ(std::vector<int>(out, out + 3), std::vector<int>({10, -20, 30}));
-  float fout[4];
-  e->readFloats(fout, 4);
-  EXPECT_EQ(fout[0], 1.5f);
-  EXPECT_EQ(fout[1], -2.5f);
-  EXPECT_EQ(fout[2], -1.0f);
-  EXPECT_EQ(fout[3], -1.0f);
 }
 
 TEST(Entry, StringsAndChunks) {
@@ -146,23 +108,6 @@ TEST(Entry, StringsAndChunks) {
   EXPECT_STREQ(longer, "abc");
   EXPECT_EQ(longer[31], 0);
   EXPECT_EQ(e->readInt(), -1) << "the cursor went past the end";
-}
-
-TEST(Entry, BuffersGrowBeyondLargeWrites) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
-  std::vector<unsigned char> big(5000);
-  for (std::size_t i = 0; i < big.size(); ++i) big[i] = static_cast<unsigned char>(i * 7);
-  for (int i = 0; i < 300; ++i) e->writeInt(i);
-  e->writeChunk(big.data(), int(big.size()));
-  e->writeDouble(4.25);
-  EXPECT_EQ(e->getDataSize(), 1200 + 5000 + 8);
-  e->reset();
-  for (int i = 0; i < 300; ++i) ASSERT_EQ(e->readInt(), i);
-  std::vector<unsigned char> back(5000);
-  EXPECT_EQ(e->readChunk(back.data(), 5000), 5000);
-  EXPECT_EQ(back, big);
-  EXPECT_EQ(e->readDouble(), 4.25);
 }
 
 TEST(Entry, SetDataCopiesAndKeepsTheCursor) {

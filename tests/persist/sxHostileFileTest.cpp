@@ -309,35 +309,4 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
   root->unRef();
 }
 
-// A chain of references far deeper than the reader recurses: the objects
-// past the bound are read afterwards instead of exhausting the stack.
-TEST(HostileFiles, DeepReferenceChains) {
-  sxTempDir dir;
-  std::string path = dir.file("deep.sx");
-  const int length = 5000;
-  {
-    sxFile f;
-    f.create(path.c_str());
-    int base = f.newTag("sxBase");
-    for (int i = 0; i < length; ++i) {
-      sxEntry* e = f.newEntry(base);
-      e->writeInt(0);
-      e->writeShort(short(i));
-      e->writeInt(1);
-      e->writeInt(i + 1 < length ? i + 1 : -1);
-    }
-    ASSERT_TRUE(f.write());
-  }
-  sxBase* root = sxLoader::importFile(path.c_str());
-  ASSERT_NE(root, nullptr);
-  int depth = 0;
-  for (const sxBase* o = root; numAttributes(o) == 1; o = (*o->getAttribList())[0]) {
-    ASSERT_EQ(o->getFlags(), depth);
-    ++depth;
-  }
-  EXPECT_EQ(depth, length - 1);
-  root->ref();
-  root->unRef();
-}
-
 }  // namespace
