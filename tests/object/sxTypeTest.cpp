@@ -69,6 +69,8 @@ TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
   sxTestLazy::registerClass(&plugIn);
   ASSERT_EQ(sxTestLazy::getClassType(), nullptr);
   EXPECT_EQ(sxType::getNumRegisteredClasses(), announced + 1);
+  EXPECT_STREQ(sxType::getRegisteredClassName(announced), "sxTestLazy");
+  EXPECT_EQ(sxType::getRegisteredClassName(announced + 1), nullptr);
   EXPECT_EQ(sxTestLazy::getNum(false), 0);  // no record yet: 0, not a crash
   EXPECT_EQ(sxTestLazy::get(0, true), nullptr);
 
@@ -258,10 +260,13 @@ TEST(sxType, FamiliesCreateByNumber) {
   EXPECT_EQ(sxGroupType::createInstance(n), nullptr);
   EXPECT_EQ(sxGroupType::createInstance(-1), nullptr);
   EXPECT_EQ(sxGroupType::getGroupType(n), nullptr);
-  auto* scene = static_cast<sxIndexedType*>(sxScene::getClassType());
-  sxBase* g = sxGroupType::createInstance(scene->getFamilyIndex());
+  auto* scene = static_cast<sxGroupType*>(sxScene::getClassType());
+  sxBase* g = sxGroupType::createInstance(scene->getGroupIndex());
   ASSERT_NE(g, nullptr);
   EXPECT_TRUE(g->isOfExactType(scene));
   g->unRef();
-  EXPECT_EQ(sxTravTraitType::getTraitType(sxTravTraitType::getNumTraitTypes()), nullptr);
+  const int traits = sxTravTraitType::getNumTraitTypes();
+  ASSERT_GT(traits, 0);
+  EXPECT_EQ(sxTravTraitType::getTraitType(traits - 1)->getTraitIndex(), traits - 1);
+  EXPECT_EQ(sxTravTraitType::getTraitType(traits), nullptr);
 }
