@@ -23,19 +23,6 @@ struct AppThreadDeletion {
   ~AppThreadDeletion() { sxThread::enableAppThreadDeletion(false); }
 };
 
-TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
-  ASSERT_EQ(sxThread::getTotalNumDownstreamThreads(), 0);
-  const int pending = sxBase::getNumPendingDeletions();
-  std::atomic<int> destroyed{0};
-  releasedProbe(&destroyed);
-  EXPECT_EQ(destroyed.load(), 1);
-  // An object nobody referenced dies on its first release too.
-  auto* b = new Probe(&destroyed);
-  b->unRef();
-  EXPECT_EQ(destroyed.load(), 2);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
-}
-
 // Two threads linked below the application thread. The tests never run
 // them: they carry out the queues themselves, step by step.
 bool twoBelowApp(Pipeline& p, sxThread*& first, sxThread*& second) {
