@@ -1,9 +1,4 @@
-#include <sx/math/sxBox.h>
-#include <sx/math/sxFrustum.h>
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxPlane.h>
-#include <sx/math/sxRay.h>
-#include <sx/math/sxSphere.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 

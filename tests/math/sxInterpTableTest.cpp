@@ -1,6 +1,4 @@
-#include <sx/math/sxInterpTable.h>
-#include <sx/math/sxMatrix.h>
-#include <sx/object/sxMemory.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 

@@ -1,19 +1,5 @@
 #include <gtest/gtest.h>
-#include <sx/math/sxBox.h>
-#include <sx/math/sxFrustum.h>
-#include <sx/math/sxInterpTable.h>
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxPlane.h>
-#include <sx/math/sxQuat.h>
-#include <sx/math/sxRay.h>
-#include <sx/math/sxScalar.h>
-#include <sx/math/sxSphere.h>
-#include <sx/math/sxUByteVec.h>
-#include <sx/math/sxVec2.h>
-#include <sx/math/sxVec3.h>
-#include <sx/math/sxVec4.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 #include <climits>
 #include <functional>

@@ -1,5 +1,4 @@
-#include <sx/math/sxMatrixStack.h>
-#include <sx/math/sxQuat.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,4 @@
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxPlane.h>
-#include <sx/math/sxQuat.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 

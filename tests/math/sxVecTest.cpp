@@ -1,8 +1,4 @@
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxUByteVec.h>
-#include <sx/math/sxVec2.h>
-#include <sx/math/sxVec3.h>
-#include <sx/math/sxVec4.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 

@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
-#include <sx/containers/sxArray.h>
-#include <sx/nodes/sxGroup.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
-#include <sx/persist/sxLoader.h>
+#include <sx/sxCore.h>
 
 #include <string>
 #include <vector>

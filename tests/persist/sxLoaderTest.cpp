@@ -1,10 +1,5 @@
 #include <gtest/gtest.h>
-#include <sx/kernel/sxKernel.h>
-#include <sx/nodes/sxGroup.h>
-#include <sx/object/sxPlugIn.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
-#include <sx/persist/sxLoader.h>
+#include <sx/sxCore.h>
 
 #include <signal.h>
 #include <sys/resource.h>

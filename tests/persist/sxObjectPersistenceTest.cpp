@@ -1,8 +1,5 @@
 #include <gtest/gtest.h>
-#include <sx/nodes/sxGroup.h>
-#include <sx/object/sxBase.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 #include <cstring>
 #include <string>

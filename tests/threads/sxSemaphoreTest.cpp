@@ -43,6 +43,7 @@ TEST(sxSemaphore, ATimedOutDecStillSucceeds) {
   EXPECT_EQ(s.getAvailable(), 0);
   EXPECT_EQ(s.getCount(), -1);
   s.setTimeout(0);
+  EXPECT_EQ(s.getTimeout(), 0);
   EXPECT_TRUE(s.dec());
 }
 
