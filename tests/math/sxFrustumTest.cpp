@@ -93,9 +93,9 @@ TEST_F(sxFrustumTest, CullingAgreesWithSampledPoints) {
         out |= slack(q) < -1e-3f;
       }
       const bool meets = world.intersects(volume);
-      if (in) EXPECT_NE(c, V::OUTSIDE) << "a volume that overlaps was culled";
-      if (out) EXPECT_NE(c, V::INSIDE) << "a volume that pokes out was called inside";
-      if (in || c == V::INSIDE) EXPECT_TRUE(meets);
+      EXPECT_FALSE(in && c == V::OUTSIDE) << "a volume that overlaps was culled";
+      EXPECT_FALSE(out && c == V::INSIDE) << "a volume that pokes out was called inside";
+      EXPECT_TRUE(meets || (!in && c != V::INSIDE));
       if (c != V::OUTSIDE) return;
       EXPECT_FALSE(meets);
       bool passed = world.getBoundingSphere().contains(volume) != V::OUTSIDE;

@@ -106,8 +106,6 @@ TEST(sxEvent, DisabledEventWakesWaitersButRunsNothing) {
   e->trigger(&firstObject);
   const double firstTime = e->getTime();
   e->enable(false);
-  EXPECT_FALSE(e->isEnabled());
-
   std::atomic<bool> woken{false};
   std::thread waiter([&] { woken.store(e->waitForTrigger(10000)); });
   // The waiter has to be waiting before the trigger: try until it is woken.
@@ -122,7 +120,6 @@ TEST(sxEvent, DisabledEventWakesWaitersButRunsNothing) {
   e->enable(true);
   e->trigger(&secondObject);
   EXPECT_EQ(action->count.load(), 2);
-  EXPECT_EQ(e->getLastObject(), &secondObject);
   e->unRef();
   action->unRef();
 }

@@ -48,15 +48,4 @@ TEST(ByteOrder, FilesWrittenHere) {
   checkDirectory(dir.path, sxReference::isBigEndian());
 }
 
-// The file's order and each entry's own order are told apart: an entry
-// whose directory magic is in the other order is read swapped even in a
-// native file.
-TEST(ByteOrder, EntryOrderIsPerEntry) {
-  std::string dir = std::string(SXCORE_TEST_DATA) + "/s390x";
-  sxFile be;
-  ASSERT_TRUE(be.open((dir + "/" + sxReference::primitiveFileName).c_str(), "r"));
-  sxEntry* swappedEntry = be.getEntry(0);
-  EXPECT_EQ(swappedEntry->isByteSwapped(), !sxReference::isBigEndian());
-}
-
 }  // namespace

@@ -250,7 +250,7 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
     root->writeShort(0);
     root->writeInt(4);
     for (int r : {1, 2, 3, 4}) root->writeInt(r);
-    root->writeInt(0);  // its array: entry 0 is an object
+    root->writeInt(-1);  // no array of its own
     // Holders whose array references point at entries 5 (unknown type),
     // 6 (too many elements), 0 (an object) and 7 (a good, dynamic array).
     for (int ref : {5, 6, 0, 7}) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "support/sxCycles.h"
+#include "support/sxReferenceScene.h"
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
 
@@ -120,34 +121,22 @@ TEST(ObjectPersistence, DeepChainsRoundTrip) {
   root->unRef();
 }
 
+// Without an entry, an object reads the first entry of its class.
 TEST(ObjectPersistence, ReadWithoutAnEntryTakesTheFirstOfItsClass) {
   sxTempDir dir;
-  std::string path = dir.file("first.sx");
-  sxTestHolder::initClass();
-  {
-    sxFile f;
-    ASSERT_TRUE(f.create(path.c_str()));
-    sxBase* a = make("plain");
-    a->ref();
-    a->write(&f, nullptr);
-    auto* h = new sxTestHolder;
-    h->ref();
-    h->setName("holder");
-    h->write(&f, nullptr);
-    ASSERT_TRUE(f.write());
-    a->unRef();
-    h->unRef();
-  }
+  const std::string path = dir.file("scene.sx");
+  ASSERT_TRUE(sxReference::writeSceneFile(path.c_str()));
   sxFile f;
   ASSERT_TRUE(f.open(path.c_str(), "r"));
   auto* h = new sxTestHolder;
   h->ref();
-  EXPECT_EQ(h->read(&f, nullptr), f.getEntry(1));
-  EXPECT_STREQ(h->getName(), "holder");
-  auto* g = new sxGroup;
-  g->ref();
-  EXPECT_EQ(g->read(&f, nullptr), nullptr) << "no entry of that class";
-  g->unRef();
+  EXPECT_EQ(h->read(&f, nullptr), f.findEntry("sxTestHolder"));
+  EXPECT_STREQ(h->getName(), "array0");
+  auto* e = new sxEvent;
+  e->ref();
+  EXPECT_EQ(e->read(&f, nullptr), nullptr) << "no entry of that class";
+  e->unRef();
+  f.close();
   h->unRef();
 }
 

@@ -64,23 +64,6 @@ TEST(sxLock, RecursiveForItsOwnerAndTimedForOthers) {
   EXPECT_TRUE(freeForOthers(lock));
 }
 
-TEST(sxLock, AWaiterGetsTheLockWhenTheHolderReleases) {
-  sxLock lock;
-  Holder holder(lock);
-  EXPECT_FALSE(lock.acquire(0));
-  EXPECT_FALSE(lock.available()) << "fails and takes nothing";
-  std::atomic<bool> got{false};
-  std::thread waiter([&] {  // the default timeout: for ever
-    got.store(lock.acquire());
-    lock.release();
-  });
-  EXPECT_TRUE(sxtest::staysAt([&] { return int(got.load()); }));
-  EXPECT_FALSE(got.load());
-  holder.release();
-  waiter.join();
-  EXPECT_TRUE(got.load());
-}
-
 TEST(sxLock, MutualExclusionUnderContention) {
   sxLock lock;
   long long counter = 0;  // plain: only the lock protects it
