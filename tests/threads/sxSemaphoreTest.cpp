@@ -47,25 +47,6 @@ TEST(sxSemaphore, ATimedOutDecStillSucceeds) {
   EXPECT_TRUE(s.dec());
 }
 
-TEST(sxSemaphore, WaitersBlockUntilReleased) {
-  sxSemaphore s(0, 10);
-  std::atomic<int> through{0};
-  std::vector<std::thread> waiters;
-  for (int i = 0; i < 3; ++i)
-    waiters.emplace_back([&] {
-      s.dec();
-      through.fetch_add(1);
-    });
-  EXPECT_TRUE(sxtest::staysAt([&] { return through.load(); }));
-  s.inc(2);
-  EXPECT_TRUE(sxtest::waitUntil([&] { return through.load() == 2; }));
-  EXPECT_TRUE(sxtest::staysAt([&] { return through.load(); }));
-  EXPECT_EQ(through.load(), 2);
-  s.inc();
-  for (auto& w : waiters) w.join();
-  EXPECT_EQ(s.getAvailable(), 0);
-}
-
 TEST(sxSemaphore, ProducersAndConsumersBalance) {
   sxSemaphore s(0, sxSemaphore::maxCount);
   constexpr int pairs = 4, rounds = 5000;

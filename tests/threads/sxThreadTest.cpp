@@ -122,7 +122,7 @@ TEST(sxThread, TriggeredAndSuspendedThreads) {
   loop->unRef();
 }
 
-TEST(sxThread, AFailingActionKillsOnlyItsThread) {
+TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   sxtest::MessageCapture messages;
   Pipeline p;
   sxThread* t = p.add(sxThread::FREE_RUNNING, "Worker");
@@ -138,12 +138,27 @@ TEST(sxThread, AFailingActionKillsOnlyItsThread) {
   EXPECT_EQ(sxtest::MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
   EXPECT_EQ(first->count.load(), 1);
   EXPECT_EQ(after->count.load(), 0);  // actions after the failing one are not applied
-  // The rest of the process carries on: another thread still runs.
+  // The rest of the process carries on: another thread still runs, and
+  // ends when an action kills it; the call returns, and the thread ends at
+  // its next check.
   sxThread* other = p.add();
+  std::atomic<int> afterKill{0};
+  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
+    sxThread::getCurrentThread()->kill();
+    afterKill.fetch_add(1);
+    return true;
+  });
   other->addAction(first);
+  other->addAction(killer);
+  other->addAction(after);
   other->run();
-  EXPECT_TRUE(waitUntil([&] { return first->count.load() > 1; }));
+  ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
+  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }));
+  EXPECT_EQ(afterKill.load(), 1);
+  EXPECT_EQ(first->count.load(), 2);
+  EXPECT_LE(after->count.load(), 1);
   for (auto* a : {first, failing, after}) a->unRef();
+  killer->unRef();
 }
 
 TEST(sxThread, ActionListsReferenceTheirActions) {
@@ -201,27 +216,6 @@ TEST(sxThread, PriorityAndProcessorRequests) {
   t->kill();
   EXPECT_FALSE(t->setPriority(5));
   EXPECT_FALSE(t->setProcessors(lowest));
-}
-
-TEST(sxThread, KillFromInsideAnAction) {
-  Pipeline p;
-  sxThread* t = p.add();
-  std::atomic<int> after{0};
-  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sxThread::getCurrentThread()->kill();
-    after.fetch_add(1);  // the call returns: the thread ends at its next check
-    return true;
-  });
-  auto* next = newAction<CountingAction>();
-  t->addAction(killer);
-  t->addAction(next);
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
-  EXPECT_TRUE(staysAt([&] { return after.load(); }));
-  EXPECT_EQ(after.load(), 1);
-  EXPECT_LE(next->count.load(), 1);
-  killer->unRef();
-  next->unRef();
 }
 
 }  // namespace
