@@ -3,7 +3,10 @@
 
 #include <cstdio>
 #include <cstring>
+#include <memory>
 #include <string>
+
+#include "support/sxThreadTestSupport.h"
 
 // The version word unpacks into the fields it was packed from, and the
 // signature names the same release. Fields are not masked: a field too
@@ -40,23 +43,16 @@ TEST(sxKernel, NameHashXorsBytesAndCountsCharacters) {
   EXPECT_EQ(sxStrToInt("abcde"), 0x64636201u);
 }
 
-namespace {
-std::string captured;
-void capture(char* text) {
-  captured += text;
-}
-}  // namespace
-
 TEST(sxKernel, MessagesGoToTheHandlerOrStandardOutput) {
-  captured.clear();
-  sxMessageHandler(capture);
+  std::string& captured = sxtest::MessageCapture::text();
+  auto capture = std::make_unique<sxtest::MessageCapture>();
   sxMessage("value %d of %s\n", 42, "x");
   EXPECT_EQ(captured, "value 42 of x\n");
   // Longer text is cut to the handler's buffer, never overrun.
   std::string longText(5000, 'y');
   sxMessage("%s", longText.c_str());
   EXPECT_EQ(captured.size(), std::string("value 42 of x\n").size() + 2047);
-  sxMessageHandler(nullptr);
+  capture.reset();
   testing::internal::CaptureStdout();
   sxMessage("to stdout %d\n", 7);
   std::fflush(stdout);

@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "support/sxThreadTestSupport.h"
+
 namespace {
 std::string moduleName(const char* path) {
   char* n = sxPlugIn::getModuleName(path);
@@ -37,12 +39,9 @@ TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloaded) {
   EXPECT_EQ(sxPlugIn::find(kernel->getModule()), kernel);
   EXPECT_EQ(sxBase::getClassType()->getPlugIn(), kernel);
   EXPECT_EQ(sxPlugIn::find(static_cast<const char*>(nullptr)), nullptr);
-  std::string messages;
-  static std::string* sink = &messages;
-  sxMessageHandler([](char* text) { *sink += text; });
+  sxtest::MessageCapture capture;
   EXPECT_EQ(sxPlugIn::load("C:\\bin\\sxcore.dll"), kernel);
-  sxMessageHandler(nullptr);
-  EXPECT_EQ(messages, "") << "a known module is not announced";
+  EXPECT_EQ(sxtest::MessageCapture::text(), "") << "a known module is not announced";
   EXPECT_EQ(sxPlugIn::load(nullptr), nullptr);
 }
 

@@ -11,6 +11,7 @@
 
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
+#include "support/sxThreadTestSupport.h"
 
 namespace {
 
@@ -24,12 +25,6 @@ struct SaveDirectory {
   explicit SaveDirectory(const char* dir) { sxLoader::setSaveDirectory(dir); }
   ~SaveDirectory() { sxLoader::setSaveDirectory(nullptr); }
 };
-
-// Collects the lines of the message channel.
-std::string messages;
-void collect(char* text) {
-  messages += text;
-}
 
 sxGroup* makeGroup(const char* name) {
   auto* g = new sxGroup;
@@ -213,14 +208,13 @@ TEST(Loader, PlugInListInSceneFiles) {
     ASSERT_TRUE(sxLoader::exportFile(g, path.c_str()));
   }
   // Reading loads the listed modules only when plug-in loading is on.
-  messages.clear();
-  sxMessageHandler(collect);
+  sxtest::MessageCapture capture;
+  const std::string& messages = sxtest::MessageCapture::text();
   sxBase* back = sxLoader::importFile(path.c_str());
   EXPECT_EQ(messages, "");
   sxPlugIn::enableDynamicPlugIns(true);
   sxBase* again = sxLoader::importFile(path.c_str());
   sxPlugIn::enableDynamicPlugIns(false);
-  sxMessageHandler(nullptr);
   EXPECT_NE(messages.find("Attempting to load plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
   EXPECT_NE(messages.find("Error loading plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
   EXPECT_EQ(messages.find("SXTESTUNSAVED"), std::string::npos)
