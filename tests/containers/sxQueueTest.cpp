@@ -18,6 +18,8 @@ sxQueue* make(int capacity, sxQueue::MODE mode) {
 }
 }  // namespace
 
+// Growing queues, which double and keep their order across the wrap, are
+// tested between two threads (threads/sxThreadQueueTest).
 TEST(sxQueue, BoundedHoldsOneLessThanCapacity) {
   sxQueue* q = make(4, sxQueue::BOUNDED);
   for (int i = 1; i <= 3; ++i) EXPECT_TRUE(q->put(&i));
@@ -49,26 +51,6 @@ TEST(sxQueue, OverwriteDropsTheOldest) {
   EXPECT_EQ(first, 2);
   EXPECT_TRUE(q->put(&six));
   EXPECT_EQ(drain(*q), (std::vector<int>{3, 4, 5, 6}));
-  q->unRef();
-}
-
-TEST(sxQueue, GrowingDoublesAndKeepsOrderAcrossTheWrap) {
-  sxQueue* q = make(4, sxQueue::GROWING);
-  int v;
-  // Move the read position forward so that the contents wrap.
-  for (int i = 0; i < 3; ++i) q->put(&i);
-  q->get(&v);
-  q->get(&v);
-  for (int i = 3; i < 5; ++i) q->put(&i);  // 2 3 4, wrapped
-  EXPECT_EQ(q->getCapacity(), 4);
-  int five = 5;
-  q->put(&five);  // finds capacity - 1 held: doubles
-  EXPECT_EQ(q->getCapacity(), 8);
-  for (int i = 6; i < 20; ++i) q->put(&i);
-  EXPECT_EQ(q->getCapacity(), 32);
-  std::vector<int> expected;
-  for (int i = 2; i < 20; ++i) expected.push_back(i);
-  EXPECT_EQ(drain(*q), expected);
   q->unRef();
 }
 

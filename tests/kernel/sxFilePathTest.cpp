@@ -1,12 +1,13 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
-#include <stdlib.h>
-#include <unistd.h>
+#include <sys/stat.h>
 
 #include <cstring>
 #include <fstream>
 #include <string>
+
+#include "support/sxTestFiles.h"
 
 namespace {
 class FilePaths : public testing::Test {
@@ -48,9 +49,8 @@ TEST_F(FilePaths, ListsSplitAtSemicolonsInOrder) {
 }
 
 TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
-  char dir[] = "/tmp/sxFindXXXXXX";
-  ASSERT_NE(mkdtemp(dir), nullptr);
-  std::string first = std::string(dir) + "/one", second = std::string(dir) + "/two";
+  sxTempDir dir;
+  std::string first = dir.file("one"), second = dir.file("two");
   ASSERT_EQ(mkdir(first.c_str(), 0755), 0);
   ASSERT_EQ(mkdir(second.c_str(), 0755), 0);
   std::ofstream(second + "/scene.sx") << "x";
@@ -81,8 +81,6 @@ TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
   EXPECT_EQ(sxFindFile(nullptr, sizeof out, out), 0);
   EXPECT_EQ(sxFindFile("missing.sx", sizeof out, out), 0);
   EXPECT_STREQ(out, "");
-  std::string cmd = std::string("rm -rf ") + dir;
-  ASSERT_EQ(std::system(cmd.c_str()), 0);
 }
 
 TEST(sxGetFileName, PointsAfterTheLastSeparator) {

@@ -6,38 +6,28 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
+
+#include "support/sxTestFiles.h"
+#include "support/sxThreadTestSupport.h"
 
 namespace {
 
 // Points the settings store at a private file for one test.
 class RegistryFile : public testing::Test {
  protected:
-  void SetUp() override {
-    char dir[] = "/tmp/sxRegistryXXXXXX";
-    ASSERT_NE(mkdtemp(dir), nullptr);
-    directory = dir;
-    path = directory + "/sub/registry";
-    setenv("SX_REGISTRY_FILE", path.c_str(), 1);
-    sxMessageHandler(&RegistryFile::capture);
-    messages.clear();
-  }
-  void TearDown() override {
-    sxMessageHandler(nullptr);
-    unsetenv("SX_REGISTRY_FILE");
-    std::string cmd = "rm -rf '" + directory + "'";
-    ASSERT_EQ(std::system(cmd.c_str()), 0);
-  }
+  void SetUp() override { setenv("SX_REGISTRY_FILE", path.c_str(), 1); }
+  void TearDown() override { unsetenv("SX_REGISTRY_FILE"); }
   void writeStore(const std::string& text) {
-    std::string dir = directory + "/sub";
-    mkdir(dir.c_str(), 0755);
+    std::filesystem::create_directories(dir.file("sub"));
     std::ofstream(path) << text;
   }
-  static void capture(char* text) { messages += text; }
-
-  std::string directory, path;
-  static inline std::string messages;
+  sxTempDir dir;
+  std::string path = dir.file("sub/registry");
+  sxtest::MessageCapture capture;
+  std::string& messages = sxtest::MessageCapture::text();
 };
 
 }  // namespace
@@ -64,7 +54,7 @@ TEST_F(RegistryFile, ValuesRoundTripByType) {
   EXPECT_EQ(messages, "");
 }
 
-TEST_F(RegistryFile, MissingOrMalformedValuesFailAsSpecified) {
+TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
   int i = 7;
   float f = 2.0f;
   char s[256] = "untouched";

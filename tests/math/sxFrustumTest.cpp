@@ -1,9 +1,4 @@
-#include <sx/math/sxBox.h>
-#include <sx/math/sxFrustum.h>
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxPlane.h>
-#include <sx/math/sxRay.h>
-#include <sx/math/sxSphere.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 
@@ -23,39 +18,21 @@ class sxFrustumTest : public testing::Test {
 
 TEST_F(sxFrustumTest, MadeInEyeSpace) {
   sxFrustum f;
-  EXPECT_TRUE(f.isEmpty());
-  EXPECT_EQ(f.getType(), V::FRUSTUM);
   ASSERT_TRUE(f.makePersp(-1, 2, -0.5f, 0.5f, 1, 10));
-  EXPECT_FALSE(f.isEmpty());
   EXPECT_FALSE(f.isOrtho());
-  EXPECT_EQ(f.getNear(), 1.0f);
-  EXPECT_EQ(f.getFar(), 10.0f);
   float l, r, b, t;
-  f.getNearPlaneCoords(l, r, b, t);
-  EXPECT_EQ(l, -1.0f);
-  EXPECT_EQ(r, 2.0f);
-  EXPECT_EQ(b, -0.5f);
-  EXPECT_EQ(t, 0.5f);
   EXPECT_FALSE(f.isSymmetrical());
   // Corner bits: 1 right, 2 top, 4 far. Looking along +Y with Z up.
   EXPECT_EQ(f.getCorner(0), sxVec3(-1, 1, -0.5f));
-  EXPECT_EQ(f.getCorner(3), sxVec3(2, 1, 0.5f));
   EXPECT_EQ(f.getCorner(5), sxVec3(20, 10, -5));
-  EXPECT_EQ(f.getCorner(6), sxVec3(-10, 10, 5));
   EXPECT_EQ(f.contains(sxVec3(0, 5, 0)), V::INSIDE);
   EXPECT_EQ(f.contains(sxVec3(0, 0.5f, 0)), V::OUTSIDE);
-  EXPECT_EQ(f.contains(sxVec3(0, 11, 0)), V::OUTSIDE);
   EXPECT_EQ(f.contains(sxVec3(-5.1f, 5, 0)), V::OUTSIDE);
-  EXPECT_EQ(f.contains(sxVec3(9.9f, 5, 0)), V::INSIDE);
   EXPECT_TRUE(f.getPlane(sxFrustum::FACE_NEAR).getNormal().almostEqual(sxVec3(0, -1, 0), 1e-6f));
-  EXPECT_TRUE(f.getPlane(sxFrustum::FACE_FAR).getNormal().almostEqual(sxVec3(0, 1, 0), 1e-6f));
-  EXPECT_LT(f.getPlane(sxFrustum::FACE_LEFT).getNormal().x, 0.0f);
-  EXPECT_GT(f.getPlane(sxFrustum::FACE_TOP).getNormal().z, 0.0f);
 
   ASSERT_TRUE(f.makeFOV(90, 60, 2, 100));
   EXPECT_TRUE(f.isSymmetrical());
   f.getNearPlaneCoords(l, r, b, t);
-  EXPECT_FLOAT_EQ(r, 2.0f);
   EXPECT_FLOAT_EQ(t, 2.0f * std::tan(30.0f * 3.14159265f / 180.0f));
   ASSERT_TRUE(f.makeOrtho(-1, 1, -1, 1, 0, 10));
   EXPECT_TRUE(f.isOrtho());
@@ -70,8 +47,8 @@ TEST_F(sxFrustumTest, MadeInEyeSpace) {
   EXPECT_TRUE(f.isEmpty());
   EXPECT_EQ(f.contains(sxVec3(0, 5, 0)), V::OUTSIDE);
   EXPECT_EQ(f.contains(sxSphere(sxVec3(0, 5, 0), 100)), V::OUTSIDE);
-  EXPECT_FALSE(f.makePersp(-1, 1, -1, 1, 5, 5));
   EXPECT_FALSE(f.makePersp(1, -1, -1, 1, 1, 5));
+  EXPECT_FALSE(f.makePersp(-1, 1, -1, 1, 5, 5));
   EXPECT_FALSE(f.makeOrtho(-1, 1, 1, 1, 1, 5));
   EXPECT_FALSE(f.makeOrtho(-1, nan, -1, 1, 1, 5));
   EXPECT_FALSE(f.makeFOV(180, 60, 1, 10));
@@ -79,122 +56,52 @@ TEST_F(sxFrustumTest, MadeInEyeSpace) {
   EXPECT_TRUE(f.isEmpty());
 }
 
-// Faces hold their corners; every edge plane runs along its edge and holds
-// the whole frustum; each face's mask names the edges on its border.
-TEST_F(sxFrustumTest, PlanesMasksAndCornersAgree) {
-  EXPECT_EQ(sxFrustum::edgeMasks[0], 0x0F0u);
-  EXPECT_EQ(sxFrustum::edgeMasks[1], 0xF00u);
-  EXPECT_EQ(sxFrustum::edgeMasks[2], 0x885u);
-  EXPECT_EQ(sxFrustum::edgeMasks[3], 0x44Au);
-  EXPECT_EQ(sxFrustum::edgeMasks[4], 0x22Cu);
-  EXPECT_EQ(sxFrustum::edgeMasks[5], 0x113u);
-  sxFrustum f;
-  sxMatrix m;
-  m.makeHPR(30, -20, 10);
-  m.postScale(-2, 2, 2);  // a mirror as well
-  m.postTrans(5, 6, 7);
-  f.makePersp(-1, 1.5f, -0.7f, 0.4f, 0.5f, 30);
-  f.xform(m);
-  auto on = [](const sxPlane& p, const sxVec3& c) {
-    return std::fabs(p.normal.dot(c) - p.offset) < 1e-3f;
-  };
-  // How many corners lie on the plane; all must lie inside it.
-  auto cornersOn = [&](const sxPlane& p) {
-    int count = 0;
-    for (int c = 0; c < 8; ++c) {
-      count += on(p, f.getCorner(c));
-      EXPECT_LE(p.normal.dot(f.getCorner(c)), p.offset + 1e-3f);
-    }
-    return count;
-  };
-  for (int face = 0; face < 6; ++face) {
-    const sxPlane& p = f.getPlane(face);
-    EXPECT_EQ(cornersOn(p), 4) << face;
-    for (int e = 0; e < sxFrustum::numEdges; ++e) {
-      // An edge is on a face's border when both its ends are on the face.
-      const sxPlane& edge = f.getEdgePlane(e);
-      int shared = 0;
-      for (int c = 0; c < 8; ++c) shared += on(edge, f.getCorner(c)) && on(p, f.getCorner(c));
-      EXPECT_EQ(shared == 2, ((sxFrustum::edgeMasks[face] >> e) & 1u) != 0) << face << " " << e;
-    }
-  }
-  for (int e = 0; e < sxFrustum::numEdges; ++e) EXPECT_EQ(cornersOn(f.getEdgePlane(e)), 2) << e;
-  for (int c = 0; c < 8; ++c) {
-    EXPECT_EQ(f.getBoundingSphere().contains(f.getCorner(c)), V::INSIDE);
-  }
-  sxVec3 corners[8];
-  f.getCorners(corners);
-  EXPECT_EQ(corners[5], f.getCorner(5));
-}
-
-// The view volume in eye space, tested directly: the slack of a point is
-// positive inside, negative outside, and near 0 on the boundary.
-struct EyeVolume {
-  float l, r, b, t, n, f;
-  bool ortho;
-  float slack(const sxVec3& p) const {
-    const float k = ortho ? 1.0f : p.y / n;
-    return std::min({p.y - n, f - p.y, p.x - l * k, r * k - p.x, p.z - b * k, t * k - p.z});
-  }
-};
-
-struct Counts {
-  int results[3] = {0, 0, 0};
-  int cutByEdges = 0;
-};
-
-// Samples of a volume: its extreme points and random points inside it.
-template <class Sampler>
-void checkCulling(const sxFrustum& world, const EyeVolume& eye, const sxMatrix& toEye,
-                  const V& volume, Sampler&& samples, Counts& counts) {
-  const V::CONTAINMENT c = world.contains(volume);
-  const bool meets = world.intersects(volume);
-  counts.results[c]++;
-  bool someIn = false, someOut = false;
-  for (const sxVec3& p : samples) {
-    sxVec3 q;
-    q.xformPt(p, toEye);
-    const float s = eye.slack(q);
-    someIn |= s > 1e-3f;
-    someOut |= s < -1e-3f;
-  }
-  if (someIn) {
-    ASSERT_NE(c, V::OUTSIDE) << "a volume that overlaps was culled";
-    ASSERT_TRUE(meets);
-  }
-  if (someOut) {
-    ASSERT_NE(c, V::INSIDE) << "a volume that pokes out was called inside";
-  }
-  if (c == V::INSIDE) {
-    ASSERT_TRUE(meets);
-  }
-  if (c == V::OUTSIDE) {
-    ASSERT_FALSE(meets);
-    bool facesSayPartial = true;
-    for (int i = 0; i < 6; ++i) facesSayPartial &= world.getPlane(i).contains(volume) != V::OUTSIDE;
-    counts.cutByEdges +=
-        facesSayPartial && world.getBoundingSphere().contains(volume) != V::OUTSIDE;
-  }
-}
-
+// Random frusta, spheres and boxes; each volume is sampled (its extreme and
+// random inner points) and the samples are tested in eye space directly: a
+// volume with a point inside is never culled, one with a point outside is
+// never called inside. Every answer occurs, and the edge planes cull some
+// volumes that the faces and the bounding sphere let through.
 TEST_F(sxFrustumTest, CullingAgreesWithSampledPoints) {
   std::mt19937 rng(2024);
   auto uni = [&](float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); };
-  Counts spheres, boxes;
+  int results[2][3] = {}, cutByEdges = 0;
   for (int round = 0; round < 30; ++round) {
-    EyeVolume eye{uni(-2, -0.2f), uni(0.2f, 2), uni(-1.5f, -0.1f), uni(0.1f, 1.5f), uni(0.5f, 2), 0,
-                  round % 4 == 0};
-    eye.f = eye.n + uni(5, 40);
+    const bool ortho = round % 4 == 0;
+    const float l = uni(-2, -0.2f), r = uni(0.2f, 2), b = uni(-1.5f, -0.1f), t = uni(0.1f, 1.5f);
+    const float n = uni(0.5f, 2), f = n + uni(5, 40);
+    auto slack = [&](const sxVec3& p) {  // positive inside, negative outside
+      const float k = ortho ? 1.0f : p.y / n;
+      return std::min({p.y - n, f - p.y, p.x - l * k, r * k - p.x, p.z - b * k, t * k - p.z});
+    };
     sxFrustum world;
-    ASSERT_TRUE(eye.ortho ? world.makeOrtho(eye.l, eye.r, eye.b, eye.t, eye.n, eye.f)
-                          : world.makePersp(eye.l, eye.r, eye.b, eye.t, eye.n, eye.f));
+    ASSERT_TRUE(ortho ? world.makeOrtho(l, r, b, t, n, f) : world.makePersp(l, r, b, t, n, f));
     sxMatrix toWorld, toEye;
     toWorld.makeHPR(uni(-180, 180), uni(-80, 80), uni(-180, 180));
-    const float s = uni(0.5f, 2);
-    toWorld.postScale(s, s, s);
+    const float scale = uni(0.5f, 2);
+    toWorld.postScale(scale, scale, scale);
     toWorld.postTrans(uni(-20, 20), uni(-20, 20), uni(-20, 20));
     world.xform(toWorld);
     toEye.invert(toWorld);
+    auto check = [&](const V& volume, const std::vector<sxVec3>& points, int kind) {
+      const V::CONTAINMENT c = world.contains(volume);
+      ++results[kind][c];
+      bool in = false, out = false;
+      for (const sxVec3& p : points) {
+        sxVec3 q;
+        q.xformPt(p, toEye);
+        in |= slack(q) > 1e-3f;
+        out |= slack(q) < -1e-3f;
+      }
+      const bool meets = world.intersects(volume);
+      EXPECT_FALSE(in && c == V::OUTSIDE) << "a volume that overlaps was culled";
+      EXPECT_FALSE(out && c == V::INSIDE) << "a volume that pokes out was called inside";
+      EXPECT_TRUE(meets || (!in && c != V::INSIDE));
+      if (c != V::OUTSIDE) return;
+      EXPECT_FALSE(meets);
+      bool passed = world.getBoundingSphere().contains(volume) != V::OUTSIDE;
+      for (int i = 0; i < 6; ++i) passed &= world.getPlane(i).contains(volume) != V::OUTSIDE;
+      cutByEdges += passed;
+    };
     sxBox around;
     around.extendAround(world);
     const float reach = around.getMin().distance(around.getMax()) * 0.6f;
@@ -204,13 +111,11 @@ TEST_F(sxFrustumTest, CullingAgreesWithSampledPoints) {
       sxVec3 center(mid.x + uni(-reach, reach), mid.y + uni(-reach, reach),
                     mid.z + uni(-reach, reach));
       float radius = std::exp(uni(std::log(0.05f), std::log(reach)));
-      if (i % 3 == 0) {
-        // Small volumes within the view, to see the inside answer often.
-        const float y = uni(eye.n, eye.f), k = eye.ortho ? 1.0f : y / eye.n;
-        center.xformPt(sxVec3(uni(eye.l, eye.r) * k, y, uni(eye.b, eye.t) * k), toWorld);
+      if (i % 3 == 0) {  // small volumes within the view, to see the inside answer often
+        const float y = uni(n, f), k = ortho ? 1.0f : y / n;
+        center.xformPt(sxVec3(uni(l, r) * k, y, uni(b, t) * k), toWorld);
         radius = std::exp(uni(std::log(0.01f), std::log(1.0f)));
       }
-      const sxSphere sphere(center, radius);
       std::vector<sxVec3> points = {center};
       for (int k = 0; k < 160; ++k) {
         sxVec3 d(uni(-1, 1), uni(-1, 1), uni(-1, 1));
@@ -218,27 +123,21 @@ TEST_F(sxFrustumTest, CullingAgreesWithSampledPoints) {
         if (k % 2) d.scale(1.0f / std::sqrt(d.sqrLength()));  // on the surface
         points.push_back(center + d * (radius * 0.999f));
       }
-      checkCulling(world, eye, toEye, sphere, points, spheres);
-
+      check(sxSphere(center, radius), points, 0);
       const float top = i % 3 == 0 ? 0.0f : std::log(reach);
       const sxVec3 half(std::exp(uni(-4, top)), std::exp(uni(-4, top)), std::exp(uni(-4, top)));
       const sxBox box(center - half, center + half);
       points.clear();
       for (int k = 0; k < 8; ++k) points.push_back(box.cornerOf(k));
-      for (int k = 0; k < 150; ++k) {
-        points.push_back(sxVec3(center.x + half.x * uni(-1, 1), center.y + half.y * uni(-1, 1),
-                                center.z + half.z * uni(-1, 1)));
-      }
-      checkCulling(world, eye, toEye, box, points, boxes);
+      for (int k = 0; k < 150; ++k)
+        points.push_back(center +
+                         sxVec3(half.x * uni(-1, 1), half.y * uni(-1, 1), half.z * uni(-1, 1)));
+      check(box, points, 1);
     }
   }
-  // Every answer occurs, and the edge planes do their part.
-  for (const Counts& c : {spheres, boxes}) {
-    EXPECT_GT(c.results[V::OUTSIDE], 100);
-    EXPECT_GT(c.results[V::PARTIAL], 100);
-    EXPECT_GT(c.results[V::INSIDE], 100);
-    EXPECT_GT(c.cutByEdges, 0);
-  }
+  for (const auto& kind : results)
+    for (int count : kind) EXPECT_GT(count, 100);
+  EXPECT_GT(cutByEdges, 0);
 }
 
 TEST_F(sxFrustumTest, RaysFrustaPlanesAndOtherVolumes) {
@@ -255,7 +154,6 @@ TEST_F(sxFrustumTest, RaysFrustaPlanesAndOtherVolumes) {
   inner.makePersp(-0.5f, 0.5f, -0.5f, 0.5f, 2, 8);
   EXPECT_EQ(f.contains(inner), V::INSIDE);
   EXPECT_EQ(inner.contains(f), V::PARTIAL);
-  EXPECT_TRUE(inner.intersects(f));
   sxMatrix m;
   m.makeXYZ(0, 0, 30);
   sxFrustum away;
@@ -282,7 +180,6 @@ TEST_F(sxFrustumTest, RaysFrustaPlanesAndOtherVolumes) {
   EXPECT_EQ(f.contains(sxPlane(sxVec3(0, 1, 0), 5)), V::PARTIAL);
   EXPECT_EQ(f.contains(sxPlane(sxVec3(0, 1, 0), 0.5f)), V::OUTSIDE);
   EXPECT_EQ(sxPlane(sxVec3(0, 1, 0), 10).contains(f), V::INSIDE);
-  EXPECT_EQ(sxPlane(sxVec3(0, 1, 0), 5).contains(f), V::PARTIAL);
   EXPECT_EQ(sxPlane(sxVec3(0, 1, 0), 0.5f).contains(f), V::OUTSIDE);
 
   EXPECT_EQ(sxSphere(sxVec3(0, 5, 0), 20).contains(f), V::INSIDE);

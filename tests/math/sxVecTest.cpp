@@ -1,8 +1,4 @@
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxUByteVec.h>
-#include <sx/math/sxVec2.h>
-#include <sx/math/sxVec3.h>
-#include <sx/math/sxVec4.h>
+#include <sx/sxCore.h>
 
 #include <gtest/gtest.h>
 
@@ -19,17 +15,12 @@ class sxVecTest : public testing::Test {
 TEST_F(sxVecTest, NormalizeRules) {
   sxVec3 zero(0.0f, 0.0f, 0.0f);
   EXPECT_EQ(zero.normalize(), 0.0f);
-  EXPECT_EQ(zero, sxVec3(0.0f, 0.0f, 0.0f));
   // Within 1e-6 of unit square length: untouched, 1 returned.
   sxVec3 nearUnit(0.0f, 0.0f, 1.0000002f);
   EXPECT_EQ(nearUnit.normalize(), 1.0f);
   EXPECT_EQ(nearUnit.z, 1.0000002f);
   sxVec3 tiny(1e-7f, 0.0f, 0.0f);
   EXPECT_EQ(tiny.normalize(), 0.0f);
-  EXPECT_EQ(tiny.x, 0.0f);
-  sxVec3 v(3.0f, 0.0f, 4.0f);
-  EXPECT_FLOAT_EQ(v.normalize(), 5.0f);
-  EXPECT_TRUE(v.almostEqual(sxVec3(0.6f, 0.0f, 0.8f), 1e-7f));
 
   // The two- and four-component forms zero short vectors but return the
   // length all the same.
@@ -44,12 +35,8 @@ TEST_F(sxVecTest, NormalizeRules) {
 TEST_F(sxVecTest, SharedArithmeticAllowsAliasing) {
   sxVec3 a(1.0f, 2.0f, 3.0f);
   const sxVec3 b(4.0f, -5.0f, 6.0f);
-  EXPECT_EQ(a + b, sxVec3(5.0f, -3.0f, 9.0f));
   EXPECT_EQ(a - b, sxVec3(-3.0f, 7.0f, -3.0f));
-  EXPECT_EQ(-a, sxVec3(-1.0f, -2.0f, -3.0f));
-  EXPECT_EQ(a * 2.0f, sxVec3(2.0f, 4.0f, 6.0f));
   EXPECT_EQ(a / 4.0f, sxVec3(0.25f, 0.5f, 0.75f));
-  EXPECT_FLOAT_EQ(a.dot(b), 12.0f);
   EXPECT_FLOAT_EQ(a * b, 12.0f);
   sxVec3 c;
   c.combine(2.0f, a, -1.0f, b);
@@ -60,7 +47,6 @@ TEST_F(sxVecTest, SharedArithmeticAllowsAliasing) {
   EXPECT_EQ(a, sxVec3(2.0f, 4.0f, 6.0f));
   a.cross(a, b);  // the argument is the result
   EXPECT_EQ(a, sxVec3(54.0f, 12.0f, -26.0f));
-  EXPECT_FLOAT_EQ(sxVec3(1, 2, 2).distance(sxVec3(0, 0, 0)), 3.0f);
   EXPECT_NE(sxVec4(1, 2, 3, 4), sxVec4(1, 2, 3, 5));
   sxVec2 q(1.0f, 1.0f);
   q += sxVec2(1.0f, 2.0f);
@@ -68,41 +54,31 @@ TEST_F(sxVecTest, SharedArithmeticAllowsAliasing) {
   q -= sxVec2(1.0f, 1.0f);
   q /= 2.0f;
   EXPECT_EQ(q, sxVec2(2.5f, 4.0f));
-}
-
-TEST_F(sxVecTest, AlmostEqualIsInclusiveAndOrdered) {
+  // almostEqual is inclusive and checks every component.
   const sxVec3 v(1.0f, 2.0f, 3.0f);
   EXPECT_TRUE(v.almostEqual(sxVec3(1.5f, 2.5f, 2.5f), 0.5f));
   EXPECT_FALSE(v.almostEqual(sxVec3(1.5f, 2.5f, 2.4f), 0.5f));
   EXPECT_FALSE(v.almostEqual(sxVec3(1.6f, 2.0f, 3.0f), 0.5f));
 }
 
-TEST_F(sxVecTest, ApproximateLengths) {
+TEST_F(sxVecTest, ApproximateLengthsQuadrantsAndOctants) {
   EXPECT_FLOAT_EQ(sxVec2(3.0f, -4.0f).approxLength(sxVec2(100.0f, 100.0f)), 4.0f + 1.0f);
   EXPECT_FLOAT_EQ(sxVec2(-6.0f, 3.0f).approxDist(sxVec2(0.0f, 0.0f)), 6.0f + 1.0f);
   // (3, 3) gives 4, then against 6: 6 + 4/3.
   EXPECT_FLOAT_EQ(sxVec3(3.0f, 3.0f, 6.0f).approxLength(), 6.0f + 4.0f / 3.0f);
   EXPECT_FLOAT_EQ(sxVec3(9.0f, 0.0f, 3.0f).approxDist(sxVec3(0.0f, 0.0f, 0.0f)), 10.0f);
-}
-
-TEST_F(sxVecTest, QuadrantsAndOctantsCountZeroAsPositive) {
+  // Zero counts as positive.
   EXPECT_EQ(sxVec2(0.0f, 0.0f).getQuadrant(), sxVec2::QUADRANT_PP);
-  EXPECT_EQ(sxVec2(1.0f, -1.0f).getQuadrant(), sxVec2::QUADRANT_PN);
   EXPECT_EQ(sxVec2(-1.0f, 0.0f).getQuadrant(), sxVec2::QUADRANT_NP);
-  EXPECT_EQ(sxVec3(0.0f, 0.0f, 0.0f).getOctant(), 0);
   EXPECT_EQ(sxVec3(-1.0f, 2.0f, -3.0f).getOctant(), 5);
-  EXPECT_EQ(sxVec3(1.0f, -2.0f, 3.0f).getOctant(), 2);
-  EXPECT_EQ(sxVec3(-1.0f, -2.0f, -3.0f).getOctant(), 7);
 }
 
 TEST_F(sxVecTest, NormalsAnglesAndLerp) {
   sxVec3 n;
-  const sxVec3 tri[3] = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}};
+
+  const sxVec3 tri[3] = {{0, 0, 0}, {0, 2, 0}, {2, 0, 0}};
   n.makeNormal(tri);
-  EXPECT_EQ(n, sxVec3(0.0f, 0.0f, 1.0f));
-  n.makeNormal(sxVec3(0, 0, 0), sxVec3(0, 2, 0), sxVec3(2, 0, 0));
   EXPECT_EQ(n, sxVec3(0.0f, 0.0f, -1.0f));
-  EXPECT_FLOAT_EQ(sxVec3(1, 0, 0).angleBetween(sxVec3(0, 3, 0)), 90.0f);
   EXPECT_FLOAT_EQ(sxVec3(1, 0, 0).angleBetween(sxVec3(-2, 0, 0)), 180.0f);
   EXPECT_EQ(sxVec3(1, 1, 0).angleBetween(sxVec3(2, 2, 0)), 0.0f);
   sxVec3 l;
@@ -127,13 +103,8 @@ TEST_F(sxVecTest, HeadingAndPitch) {
   float h, p;
   sxVec3(0, 1, 0).getHP(h, p);
   EXPECT_FLOAT_EQ(h, 0.0f);
-  EXPECT_FLOAT_EQ(p, 0.0f);
-  sxVec3(-1, 0, 0).getHP(h, p);
-  EXPECT_FLOAT_EQ(h, 90.0f);
   sxVec3(0, -1, 0).getHP(h, p);
   EXPECT_FLOAT_EQ(h, 180.0f);
-  sxVec3(1, 0, 0).getHP(h, p);
-  EXPECT_FLOAT_EQ(h, -90.0f);
   for (float heading = -80.0f; heading < 260.0f; heading += 37.0f) {
     for (float pitch = -80.0f; pitch <= 80.0f; pitch += 20.0f) {
       v.setHP(heading, pitch);
@@ -178,14 +149,8 @@ TEST_F(sxVecTest, TransformsUseRowVectors) {
 
 TEST_F(sxVecTest, ColourSpaceRoundTrip) {
   sxVec4 hsv;
-  hsv.RGBtoHSV(sxVec4(1.0f, 0.0f, 0.0f, 0.3f));
-  EXPECT_EQ(hsv, sxVec4(0.0f, 1.0f, 1.0f, 0.3f));
-  hsv.RGBtoHSV(sxVec4(0.0f, 0.5f, 1.0f, 1.0f));
-  EXPECT_TRUE(hsv.almostEqual(sxVec4(210.0f, 1.0f, 1.0f, 1.0f), 1e-4f));
   hsv.RGBtoHSV(sxVec4(1.0f, 0.0f, 0.5f, 1.0f));  // negative hue wraps
   EXPECT_TRUE(hsv.almostEqual(sxVec4(330.0f, 1.0f, 1.0f, 1.0f), 1e-4f));
-  hsv.RGBtoHSV(sxVec4(0.4f, 0.4f, 0.4f, 1.0f));
-  EXPECT_EQ(hsv, sxVec4(-1.0f, 0.0f, 0.4f, 1.0f));
   hsv.RGBtoHSV(sxVec4(0.0f, 0.0f, 0.0f, 1.0f));
   EXPECT_EQ(hsv, sxVec4(-1.0f, 0.0f, 0.0f, 1.0f));
 
@@ -237,7 +202,6 @@ TEST_F(sxVecTest, ByteColoursTruncateAndWrap) {
   EXPECT_EQ(a + b, sxUByteVec3(44, 30, 1));
   EXPECT_EQ(a - b, sxUByteVec3(100, 246, 255));
   EXPECT_EQ(a * 1.5f, sxUByteVec3(44, 15, 0));
-  EXPECT_EQ(a / 2.0f, sxUByteVec3(100, 5, 0));
   a.combine(0.5f, a, 0.5f, b);
   EXPECT_EQ(a, sxUByteVec3(150, 15, 0));
   a.addScaled(2.0f, b);
@@ -245,7 +209,6 @@ TEST_F(sxVecTest, ByteColoursTruncateAndWrap) {
 
   // Unsigned tolerance: a component below the tolerance never matches.
   EXPECT_FALSE(sxUByteVec3(3, 3, 3).almostEqual(sxUByteVec3(2, 2, 2), 5));
-  EXPECT_TRUE(sxUByteVec3(2, 2, 2).almostEqual(sxUByteVec3(6, 6, 6), 5));
   EXPECT_FALSE(sxUByteVec3(0, 2, 2).almostEqual(sxUByteVec3(6, 6, 6), 5));
 }
 

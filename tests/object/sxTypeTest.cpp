@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <cctype>
 #include <string>
 #include <vector>
 
@@ -35,23 +36,17 @@ class sxTestFindableChild : public sxTestFindable {
 };
 SX_IMPLEMENT_CLASS(sxTestFindableChild, sxTestFindable, sxType)
 
-TEST(sxType, LookupsIgnoreCase) {
-  sxType* group = sxType::findType("sxGroup");
-  ASSERT_NE(group, nullptr);
-  EXPECT_EQ(sxType::findType("SXGROUP"), group);
-  EXPECT_EQ(sxType::findType("sxgroup"), group);
+// Lookups in any letter case are tested with every library class below.
+TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
   EXPECT_EQ(sxType::findType(nullptr), nullptr);
   EXPECT_EQ(sxType::findType(""), nullptr);
   EXPECT_EQ(sxType::findType("sxNoSuchClass"), nullptr);
-  sxBase* obj = sxType::createInstance("SXTRANSFORM");
+  EXPECT_EQ(sxType::createInstance("sxNoSuchClass"), nullptr);
+  EXPECT_EQ(sxType::createInstance(nullptr), nullptr);
+  sxBase* obj = sxType::createInstance("SXTRANSFORM");  // announced, made on first use
   ASSERT_NE(obj, nullptr);
   EXPECT_TRUE(obj->isOfExactType(sxTransform::getClassType()));
   obj->unRef();
-  EXPECT_EQ(sxType::createInstance("sxNoSuchClass"), nullptr);
-  EXPECT_EQ(sxType::createInstance(nullptr), nullptr);
-}
-
-TEST(sxType, AbstractClassesHaveNoFactory) {
   sxTestAbstract::initClass();
   sxType* t = sxType::findType("sxTestAbstract");
   ASSERT_NE(t, nullptr);
@@ -68,6 +63,8 @@ TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
   sxTestLazy::registerClass(&plugIn);
   ASSERT_EQ(sxTestLazy::getClassType(), nullptr);
   EXPECT_EQ(sxType::getNumRegisteredClasses(), announced + 1);
+  EXPECT_STREQ(sxType::getRegisteredClassName(announced), "sxTestLazy");
+  EXPECT_EQ(sxType::getRegisteredClassName(announced + 1), nullptr);
   EXPECT_EQ(sxTestLazy::getNum(false), 0);  // no record yet: 0, not a crash
   EXPECT_EQ(sxTestLazy::get(0, true), nullptr);
 
@@ -174,4 +171,96 @@ TEST(sxType, DeletePendingRecordGoesWithItsLastInstance) {
   c->unRef();
   EXPECT_TRUE(sxTestTransient::getClassType()->deleteType());
   EXPECT_EQ(sxTestTransient::getClassType(), nullptr);
+}
+
+namespace {
+std::string mixCase(const char* s, std::size_t seed) {
+  std::string r(s);
+  for (std::size_t i = 0; i < r.size(); ++i)
+    r[i] = char((i + seed) % 2 ? std::toupper(r[i]) : std::tolower(r[i]));
+  return r;
+}
+}  // namespace
+
+// Every class of the library, as the registry lists it: found by name in
+// any letter case, a child of its parent, numbered in the family of its
+// root class if it has one (sxGroup and the classes below it, the classes
+// below each trait class), and, unless abstract, creatable by name with its
+// objects and their copies counted while they live.
+TEST(sxType, EveryLibraryClassIsFoundCreatedAndCounted) {
+  sxType::initAllRegisteredClasses();
+  struct Root {
+    sxType* type;
+    sxIndexedType::Family family;
+    bool itself = false;
+  };
+  const Root families[] = {{sxGroup::getClassType(), sxIndexedType::groupFamily, true},
+                           {sxVisualTrait::getClassType(), sxIndexedType::visualTraitFamily},
+                           {sxAudioTrait::getClassType(), sxIndexedType::audioTraitFamily},
+                           {sxTravTrait::getClassType(), sxIndexedType::travTraitFamily}};
+  const sxPlugIn* kernel = sxBase::getClassType()->getPlugIn();
+  int abstract = 0, created = 0;
+  for (int i = 0; i < sxType::getNumTypes(); ++i) {
+    sxType* t = sxType::getType(i);
+    if (!t || t->getPlugIn() != kernel) continue;
+    SCOPED_TRACE(t->getName());
+    EXPECT_EQ(sxType::findType(mixCase(t->getName(), std::size_t(i)).c_str()), t);
+    if (sxType* parent = t->getParent()) {
+      int n = parent->getNumChildren(), k = 0;
+      while (k < n && parent->getChild(k) != t) ++k;
+      EXPECT_LT(k, n) << "not among its parent's children";
+    }
+    auto* indexed = dynamic_cast<sxIndexedType*>(t);
+    int family = -1;
+    for (const Root& r : families)
+      if (t->isOfType(r.type) && (r.itself || t != r.type)) family = r.family;
+    ASSERT_EQ(indexed ? int(indexed->getFamily()) : -1, family);
+    if (indexed) {
+      EXPECT_EQ(sxIndexedType::getInFamily(indexed->getFamily(), indexed->getFamilyIndex()), t);
+    }
+    EXPECT_EQ(std::string(t->getRecordClassName()) == "sxType", indexed == nullptr);
+    if (t->isAbstract()) {
+      ++abstract;
+      EXPECT_EQ(sxType::createInstance(t->getName()), nullptr);
+      continue;
+    }
+    const int own = t->getNum(false);
+    sxBase* obj = sxType::createInstance(mixCase(t->getName(), std::size_t(i + 1)).c_str());
+    ASSERT_NE(obj, nullptr);
+    ++created;
+    obj->ref();
+    EXPECT_EQ(obj->getType(), t);
+    EXPECT_EQ(t->getNum(false), own + 1);
+    if (sxBase* copy = obj->createCopy()) {
+      EXPECT_EQ(copy->getType(), t);
+      EXPECT_EQ(t->getNum(false), own + 2);
+      copy->ref();
+      copy->unRef();
+    } else {
+      EXPECT_EQ(t, sxThread::getClassType()) << "only threads are not copied";
+    }
+    obj->unRef();
+    EXPECT_EQ(t->getNum(false), own);
+  }
+  EXPECT_GT(abstract, 0);
+  EXPECT_GT(created, 40);
+}
+
+// A family's numbers: the range test of creation by number accepts the
+// count itself, and gives null there and below 0.
+TEST(sxType, FamiliesCreateByNumber) {
+  sxType::initAllRegisteredClasses();
+  const int n = sxGroupType::getNumGroupTypes();
+  EXPECT_EQ(sxGroupType::createInstance(n), nullptr);
+  EXPECT_EQ(sxGroupType::createInstance(-1), nullptr);
+  EXPECT_EQ(sxGroupType::getGroupType(n), nullptr);
+  auto* scene = static_cast<sxGroupType*>(sxScene::getClassType());
+  sxBase* g = sxGroupType::createInstance(scene->getGroupIndex());
+  ASSERT_NE(g, nullptr);
+  EXPECT_TRUE(g->isOfExactType(scene));
+  g->unRef();
+  const int traits = sxTravTraitType::getNumTraitTypes();
+  ASSERT_GT(traits, 0);
+  EXPECT_EQ(sxTravTraitType::getTraitType(traits - 1)->getTraitIndex(), traits - 1);
+  EXPECT_EQ(sxTravTraitType::getTraitType(traits), nullptr);
 }

@@ -1,9 +1,5 @@
 #include <gtest/gtest.h>
-#include <sx/containers/sxArray.h>
-#include <sx/nodes/sxGroup.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
-#include <sx/persist/sxLoader.h>
+#include <sx/sxCore.h>
 
 #include <string>
 #include <vector>
@@ -81,12 +77,13 @@ int importedAttributes(const std::string& path) {
   return n;
 }
 
+// A group holding an array: no cycles, which a cut file would leave
+// unreachable.
 TEST(HostileFiles, EveryTruncationOfARealFile) {
   sxTempDir dir;
   sxTestHolder::initClass();
   sxGroup* g = new sxGroup;
   g->ref();
-  g->setName("g");
   auto* h = new sxTestHolder;
   h->setArray(new sxArray(50, sxArray::TYPE_VEC3));
   g->addAttribute(h);
@@ -231,24 +228,16 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
 
   // A huge attribute count ends with the data, also when the data end in
   // the middle of an aligned int.
-  path = handMade(dir, "straddle.sx", [](sxEntry* e) {
-    e->writeInt(0);
-    e->writeShort(0);
-    e->writeInt(1000);
-    e->writeInt(1);
-    e->writeByte(0);
-    e->writeByte(0);
-  });
-  EXPECT_EQ(importedAttributes(path), 1);
-
-  // A huge attribute count ends with the data.
-  path = handMade(dir, "count.sx", [](sxEntry* e) {
-    e->writeInt(0);
-    e->writeShort(0);
-    e->writeInt(0x7FFFFFFF);
-    e->writeInt(1);
-  });
-  EXPECT_EQ(importedAttributes(path), 1);
+  for (int trailing : {0, 2}) {
+    path = handMade(dir, "count.sx", [trailing](sxEntry* e) {
+      e->writeInt(0);
+      e->writeShort(0);
+      e->writeInt(0x7FFFFFFF);
+      e->writeInt(1);
+      for (int i = 0; i < trailing; ++i) e->writeByte(0);
+    });
+    EXPECT_EQ(importedAttributes(path), 1) << trailing;
+  }
 }
 
 // An array reference to an object's entry, an object reference to an
@@ -268,28 +257,24 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
     root->writeShort(0);
     root->writeInt(4);
     for (int r : {1, 2, 3, 4}) root->writeInt(r);
-    root->writeInt(0);  // its array: entry 0 is an object
-    for (int i = 0; i < 4; ++i) {
-      // Holders whose array references point at entries 5 (unknown type),
-      // 6 (too many elements), 0 (an object) and 7 (a good array).
+    root->writeInt(-1);  // no array of its own
+    // Holders whose array references point at entries 5 (unknown type),
+    // 6 (too many elements), 0 (an object) and 7 (a good, dynamic array).
+    for (int ref : {5, 6, 0, 7}) {
       sxEntry* h = f.newEntry(holder);
       h->writeInt(0);
       h->writeShort(0);
       h->writeInt(0);
-      h->writeInt(i == 0 ? 5 : i == 1 ? 6 : i == 2 ? 0 : 7);
+      h->writeInt(ref);
     }
-    sxEntry* unknown = f.newEntry(array);
-    unknown->writeShort(12);
-    unknown->writeInt(1);
-    unknown->writeInt(0);
-    sxEntry* tooMany = f.newEntry(array);
-    tooMany->writeShort(sxArray::TYPE_VEC4);
-    tooMany->writeInt(0x10000000);
-    tooMany->writeInt(0);
-    sxEntry* good = f.newEntry(array);
-    good->writeShort(short(sxArray::TYPE_INT | 0x8000));
-    good->writeInt(1);
-    good->writeInt(42);
+    const int arrays[3][3] = {
+        {12, 1, 0}, {sxArray::TYPE_VEC4, 0x10000000, 0}, {sxArray::TYPE_INT | 0x8000, 1, 42}};
+    for (const auto& a : arrays) {
+      sxEntry* e = f.newEntry(array);
+      e->writeShort(short(a[0]));
+      e->writeInt(a[1]);
+      e->writeInt(a[2]);
+    }
     ASSERT_TRUE(f.write());
   }
   sxBase* root = sxLoader::importFile(path.c_str());
@@ -306,37 +291,6 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
   EXPECT_TRUE(a->isDynamic());
   EXPECT_EQ(static_cast<int*>(a->getData())[0], 42);
   EXPECT_EQ(a->getRefCount(), 1);
-  root->unRef();
-}
-
-// A chain of references far deeper than the reader recurses: the objects
-// past the bound are read afterwards instead of exhausting the stack.
-TEST(HostileFiles, DeepReferenceChains) {
-  sxTempDir dir;
-  std::string path = dir.file("deep.sx");
-  const int length = 5000;
-  {
-    sxFile f;
-    f.create(path.c_str());
-    int base = f.newTag("sxBase");
-    for (int i = 0; i < length; ++i) {
-      sxEntry* e = f.newEntry(base);
-      e->writeInt(0);
-      e->writeShort(short(i));
-      e->writeInt(1);
-      e->writeInt(i + 1 < length ? i + 1 : -1);
-    }
-    ASSERT_TRUE(f.write());
-  }
-  sxBase* root = sxLoader::importFile(path.c_str());
-  ASSERT_NE(root, nullptr);
-  int depth = 0;
-  for (const sxBase* o = root; numAttributes(o) == 1; o = (*o->getAttribList())[0]) {
-    ASSERT_EQ(o->getFlags(), depth);
-    ++depth;
-  }
-  EXPECT_EQ(depth, length - 1);
-  root->ref();
   root->unRef();
 }
 

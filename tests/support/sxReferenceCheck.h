@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 #include <string>
 

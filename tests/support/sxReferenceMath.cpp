@@ -1,17 +1,4 @@
-#include <sx/math/sxBox.h>
-#include <sx/math/sxFrustum.h>
-#include <sx/math/sxInterpTable.h>
-#include <sx/math/sxMatrix.h>
-#include <sx/math/sxPlane.h>
-#include <sx/math/sxQuat.h>
-#include <sx/math/sxRay.h>
-#include <sx/math/sxSphere.h>
-#include <sx/math/sxUByteVec.h>
-#include <sx/math/sxVec2.h>
-#include <sx/math/sxVec3.h>
-#include <sx/math/sxVec4.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 #include <cmath>
 #include <concepts>
@@ -19,6 +6,7 @@
 #include <type_traits>
 
 #include "support/sxReferenceCheck.h"
+#include "support/sxReferenceMath.h"
 #include "support/sxReferenceScene.h"
 
 // One value of each mathematical type in one entry, each written by its own
@@ -31,66 +19,9 @@ namespace sxReference {
 
 namespace {
 
+using namespace math;
+
 constexpr const char* mathTag = "sxMathValues";
-
-const sxVec2 vec2(1.25f, -2.5f);
-const sxVec3 vec3(3.5f, -4.75f, 1.0e10f);
-const sxVec4 vec4(0.1f, -0.2f, 0.3f, 1.0e-30f);
-const sxUByteVec3 colour3(0x01, 0x02, 0x03);
-const sxUByteVec4 colour4(0xA0, 0xB1, 0xC2, 0xD3);
-
-// Values that no identification would give the stored type for.
-sxMatrix matrix() {
-  float v[16];
-  for (int i = 0; i < 16; ++i) v[i] = float(i) * 1.5f - 7.25f;
-  return sxMatrix(v, sxMatrix::ROTATION | sxMatrix::TRANSLATION);
-}
-
-// Fields set directly: making a plane would normalise through sxSqrt.
-sxPlane plane() {
-  sxPlane p;
-  p.normal.set(0.0f, -0.6f, 0.8f);
-  p.offset = 2.5f;
-  p.octant = sxVec3::OCTANT_PNP;
-  return p;
-}
-
-sxRay ray() {
-  sxRay r;
-  r.start.set(1.0f, 2.0f, 3.0f);
-  r.direction.set(0.0f, 0.6f, -0.8f);
-  r.length = 7.5f;
-  return r;
-}
-
-const sxSphere sphere(sxVec3(1.0f, -2.0f, 3.0f), 4.5f);
-const sxBox box(sxVec3(-1.0f, -2.0f, -3.0f), sxVec3(4.0f, 5.0f, 6.0f));
-
-sxFrustum frustum() {
-  sxFrustum f;
-  f.makePersp(-1.0f, 1.5f, -0.5f, 0.75f, 0.5f, 200.0f);
-  return f;
-}
-
-template <class V>
-void fillTable(sxInterpTable<V>& t, const V& a, const V& b) {
-  t.add(0.5f, b);
-  t.add(-1.5f, a);
-}
-
-struct Tables {
-  sxFloatInterpTable floats;
-  sxVec3InterpTable vec3s;
-  sxVec4InterpTable vec4s;
-  sxQuatInterpTable quats;
-};
-
-void fillTables(Tables& t) {
-  fillTable(t.floats, 10.0f, -20.5f);
-  fillTable(t.vec3s, vec3, sxVec3(-1.0f, 0.5f, 2.0f));
-  fillTable(t.vec4s, vec4, sxVec4(4.0f, 3.0f, 2.0f, 1.0f));
-  fillTable(t.quats, sxQuat(0.0f, 0.0f, 0.0f, 1.0f), sxQuat(0.5f, -0.5f, 0.5f, 0.5f));
-}
 
 template <class V>
 requires std::equality_comparable<V>
@@ -138,36 +69,13 @@ bool same(const sxFrustum& a, const sxFrustum& b) {
   return ok && near(sa.center, sb.center) && near(sa.radius, sb.radius);
 }
 
-// Calls f(value, name) for each reference value in the order of the file.
-template <class F>
-void eachValue(F&& f) {
-  // Byte colours between the numbers, so that alignment comes into play.
-  f(colour3, "sxUByteVec3");
-  f(vec2, "sxVec2");
-  f(colour4, "sxUByteVec4");
-  f(vec3, "sxVec3");
-  f(vec4, "sxVec4");
-  f(matrix(), "sxMatrix");
-  f(sphere, "sxSphere");
-  f(box, "sxBox");
-  f(plane(), "sxPlane");
-  f(ray(), "sxRay");
-  f(frustum(), "sxFrustum");
-  Tables t;
-  fillTables(t);
-  f(t.floats, "sxFloatInterpTable");
-  f(t.vec3s, "sxVec3InterpTable");
-  f(t.vec4s, "sxVec4InterpTable");
-  f(t.quats, "sxQuatInterpTable");
-}
-
 }  // namespace
 
 bool writeMathFile(const char* path) {
   sxFile file;
   if (!file.create(path)) return false;
   sxEntry* e = file.newEntry(file.newTag(mathTag));
-  eachValue([e](const auto& value, const char*) { value.write(e); });
+  eachMathValue([e](const auto& value, const char*) { value.write(e); });
   return file.write();
 }
 
@@ -177,7 +85,7 @@ int checkMathFile(const char* path, bool& swapped, std::string& out) {
   if (!openReference(file, path, swapped, r)) return r.failures;
   sxEntry* e = loadReference(file, mathTag, r);
   if (!e) return r.failures;
-  eachValue([e, &r](const auto& expected, const char* name) {
+  eachMathValue([e, &r](const auto& expected, const char* name) {
     std::remove_cvref_t<decltype(expected)> value;
     value.read(e);
     r.check(same(value, expected), name);

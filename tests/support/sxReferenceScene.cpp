@@ -1,10 +1,6 @@
 #include "support/sxReferenceScene.h"
 
-#include <sx/containers/sxArray.h>
-#include <sx/nodes/sxGroup.h>
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
-#include <sx/persist/sxLoader.h>
+#include <sx/sxCore.h>
 
 #include <cmath>
 #include <cstdint>

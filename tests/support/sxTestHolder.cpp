@@ -1,7 +1,6 @@
 #include "support/sxTestHolder.h"
 
-#include <sx/persist/sxEntry.h>
-#include <sx/persist/sxFile.h>
+#include <sx/sxCore.h>
 
 SX_IMPLEMENT_CLASS(sxTestHolder, sxBase, sxType)
 

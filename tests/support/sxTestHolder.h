@@ -1,7 +1,6 @@
 #pragma once
 
-#include <sx/containers/sxArray.h>
-#include <sx/object/sxBase.h>
+#include <sx/sxCore.h>
 
 // A test class that refers to a shared array: the sxBase fields, then the
 // array as a reference.

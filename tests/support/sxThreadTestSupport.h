@@ -35,6 +35,15 @@ class CountingAction : public sxAction {
   std::atomic<bool> result{true};
 };
 
+// Sleeps, then counts: keeps a thread busy, so that a flush has to wait.
+class SlowAction : public CountingAction {
+ public:
+  bool apply(sxBase* object, sxEvent* event) override {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    return CountingAction::apply(object, event);
+  }
+};
+
 // Runs a function as its apply.
 class FunctionAction : public sxAction {
  public:

@@ -17,77 +17,39 @@ sxThread* app() {
   return sxGetAppThread();
 }
 
-// Switches application-thread deletion on for a scope.
-struct AppThreadDeletion {
-  AppThreadDeletion() { sxThread::enableAppThreadDeletion(true); }
-  ~AppThreadDeletion() { sxThread::enableAppThreadDeletion(false); }
-};
-
-TEST(sxDeferredDeletion, WithoutLinksAReleaseDestroysAtOnce) {
-  ASSERT_EQ(sxThread::getTotalNumDownstreamThreads(), 0);
-  const int pending = sxBase::getNumPendingDeletions();
-  std::atomic<int> destroyed{0};
-  releasedProbe(&destroyed);
-  EXPECT_EQ(destroyed.load(), 1);
-  // An object nobody referenced dies on its first release too.
-  auto* b = new Probe(&destroyed);
-  b->unRef();
-  EXPECT_EQ(destroyed.load(), 2);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
-}
-
-// Two threads linked below the application thread. The tests never run
-// them: they carry out the queues themselves, step by step.
-bool twoBelowApp(Pipeline& p, sxThread*& first, sxThread*& second) {
-  first = p.addBelow(app());
-  second = p.addBelow(app());
-  return first && second;
-}
-
+// A release with n links below the application thread counts -1 - n; each
+// thread that passes the request on adds one, and the last destroys the
+// object, or, with application-thread deletion, hands it back to the
+// application thread for that. The tests carry out the queues themselves.
 TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
-  Pipeline p;
-  sxThread *d1, *d2;
-  ASSERT_TRUE(twoBelowApp(p, d1, d2));
-  const int pending = sxBase::getNumPendingDeletions();
-  std::atomic<int> destroyed{0};
-  Probe* obj = releasedProbe(&destroyed);
-  EXPECT_EQ(destroyed.load(), 0);
-  EXPECT_EQ(obj->getRefCount(), -3);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
-
-  // Released again while on its way (someone still held a pointer): no
-  // second request.
-  obj->ref();
-  obj->unRef();
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
-
-  EXPECT_EQ(app()->processQueue(false), 1);
-  EXPECT_EQ(obj->getRefCount(), -2);
-  EXPECT_EQ(d2->processQueue(false), 1);
-  EXPECT_EQ(obj->getRefCount(), -1);
-  EXPECT_EQ(destroyed.load(), 0);
-  EXPECT_EQ(d1->processQueue(false), 1);
-  EXPECT_EQ(destroyed.load(), 1);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
-}
-
-TEST(sxDeferredDeletion, AppThreadDeletionHandsTheObjectBack) {
-  AppThreadDeletion on;
-  EXPECT_TRUE(sxThread::isAppThreadDeletionEnabled());
-  Pipeline p;
-  sxThread* d = p.addBelow(app());
-  ASSERT_TRUE(d);
-  const int pending = sxBase::getNumPendingDeletions();
-  std::atomic<int> destroyed{0};
-  auto* obj = new Probe(&destroyed);
-  obj->unRef();
-  app()->processQueue(false);
-  d->processQueue(false);
-  EXPECT_EQ(destroyed.load(), 0);  // waits for the application thread
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
-  EXPECT_EQ(app()->processQueue(false), 1);
-  EXPECT_EQ(destroyed.load(), 1);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+  for (bool handBack : {false, true}) {
+    sxThread::enableAppThreadDeletion(handBack);
+    EXPECT_EQ(sxThread::isAppThreadDeletionEnabled(), handBack);
+    Pipeline p;
+    sxThread* d1 = p.addBelow(app());
+    sxThread* d2 = p.addBelow(app());
+    ASSERT_TRUE(d1 && d2);
+    const int pending = sxBase::getNumPendingDeletions();
+    std::atomic<int> destroyed{0};
+    Probe* obj = releasedProbe(&destroyed);
+    EXPECT_EQ(obj->getRefCount(), -3);
+    // Released again while on its way (someone still held a pointer): no
+    // second request.
+    obj->ref();
+    obj->unRef();
+    EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
+    EXPECT_EQ(app()->processQueue(false), 1);
+    EXPECT_EQ(d2->processQueue(false), 1);
+    EXPECT_EQ(obj->getRefCount(), -1);
+    EXPECT_EQ(d1->processQueue(false), 1);
+    EXPECT_EQ(destroyed.load(), handBack ? 0 : 1);
+    if (handBack) {
+      EXPECT_EQ(app()->processQueue(false), 1);
+    }
+    EXPECT_EQ(destroyed.load(), 1);
+    EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+  }
+  sxThread::enableAppThreadDeletion(false);
 }
 
 TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
@@ -124,15 +86,14 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   // x feeds y apart from the application thread. Five links, so a release
   // counts -6, but only app, a, b and d pass the object.
   Pipeline p;
-  sxThread *a, *b;
-  ASSERT_TRUE(twoBelowApp(p, a, b));
+  sxThread* a = p.addBelow(app());
+  sxThread* b = p.addBelow(app());
   sxThread* d = p.addBelow(a);
-  ASSERT_TRUE(d && p.link(b, d));
+  ASSERT_TRUE(a && b && d && p.link(b, d));
   sxThread* dead = p.addBelow(a);
   sxThread* x = p.chain(2);
   ASSERT_TRUE(dead && x);
   dead->kill();
-  const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
   Probe* obj = releasedProbe(&destroyed);
   EXPECT_EQ(obj->getRefCount(), -1 - sxThread::getTotalNumDownstreamThreads());
@@ -141,7 +102,6 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   b->processQueue(false);
   EXPECT_EQ(d->processQueue(false), 1);  // once, from its upstream a
   EXPECT_EQ(destroyed.load(), 1);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
   for (sxThread* t : p.threads) EXPECT_EQ(t->processQueue(true), 0);
 }
 
@@ -262,10 +222,7 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
 
 TEST(sxDeferredDeletion, HundredThousandReleasesThroughAChainOfThree) {
   releaseUnderLoad(100000, false);
-}
-
-TEST(sxDeferredDeletion, ReleasesHandedBackToTheApplicationThread) {
-  releaseUnderLoad(20000, true);
+  releaseUnderLoad(20000, true);  // handed back to the application thread
 }
 
 }  // namespace

@@ -4,9 +4,7 @@
 #include <atomic>
 #include <string>
 
-#include "platform/sxPlatform.h"
 #include "support/sxThreadTestSupport.h"
-#include "threads/sxThreadPriority.h"
 
 namespace {
 
@@ -19,20 +17,18 @@ A* newAction(Args&&... args) {
   return a;
 }
 
+// The thread the application runs on is neither suspended nor killed, and
+// run() on it only counts a trigger.
 TEST(sxThread, ApplicationThreadWrapper) {
   sxThread* app = sxGetAppThread();
   ASSERT_NE(app, nullptr);
   EXPECT_TRUE(app->isAppThread());
-  EXPECT_TRUE(app->inCurrentThread());
+  EXPECT_TRUE(sxInAppThread());
   EXPECT_EQ(sxThread::getCurrentThread(), app);
-  EXPECT_EQ(app->getState(), sxThread::RUNNING);
-  EXPECT_NE(app->getTravContext(), nullptr);
-  // The thread the application runs on is neither suspended nor killed.
   app->suspend();
   app->kill();
   EXPECT_EQ(app->getState(), sxThread::RUNNING);
   EXPECT_TRUE(app->inCurrentThread());
-  // run() only counts a trigger; it applies nothing by itself.
   auto* a = newAction<CountingAction>();
   app->addAction(a);
   app->run();
@@ -49,17 +45,16 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   sxThread* t = p.add();
   EXPECT_EQ(sxThread::getNum(), before + 1);
   EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
-  EXPECT_NE(t->getThreadId(), 0u);
   EXPECT_NE(t->getThreadId(), sxGetAppThread()->getThreadId());
-  EXPECT_FALSE(t->inCurrentThread());
-  EXPECT_NE(t->getTravContext(), nullptr);
   EXPECT_NE(t->getTravContext(), sxGetAppThread()->getTravContext());
+  EXPECT_EQ(t->createCopy(), nullptr) << "threads are not copied";
+  EXPECT_TRUE(createsByName("sxThread", sxThread::getClassType()));
 
   auto* init = newAction<CountingAction>();
   auto* each = newAction<CountingAction>();
   std::atomic<bool> sawItself{false};
   auto* probe = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t);
+    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
     return true;
   });
   t->addInitAction(init);
@@ -75,75 +70,59 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   EXPECT_EQ(init->count.load(), 1);
   EXPECT_EQ(init->lastObject.load(), t);  // init actions get the thread
   EXPECT_EQ(each->lastObject.load(), &target);
-  EXPECT_EQ(each->lastEvent.load(), nullptr);
   EXPECT_TRUE(sawItself.load());
 
   t->kill();
   EXPECT_EQ(t->getState(), sxThread::DEAD);
   EXPECT_EQ(t->getThreadId(), 0u);
   const int applied = each->count.load();
+  t->kill();  // a dead thread: nothing happens
+  t->run();   // and nothing revives it
   EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), applied);  // kill returned after the thread ended
-  t->kill();                               // a dead thread: nothing happens
-  t->run();                                // and nothing revives it
+  EXPECT_EQ(each->count.load(), applied) << "kill returned after the thread ended";
   EXPECT_EQ(t->getState(), sxThread::DEAD);
-  EXPECT_EQ(each->count.load(), applied);
-  EXPECT_EQ(init->count.load(), 1);
   for (sxAction* a :
        {static_cast<sxAction*>(init), static_cast<sxAction*>(each), static_cast<sxAction*>(probe)})
     a->unRef();
 }
 
-TEST(sxThread, TriggeredModeRunsOneIterationPerRun) {
+// A triggered thread runs one iteration per run(), however early they
+// come; suspension stops a free-running one before its next iteration, and
+// killing a waiting or suspended thread ends it.
+TEST(sxThread, TriggeredAndSuspendedThreads) {
   Pipeline p;
   sxThread* t = p.add(sxThread::TRIGGERED);
-  auto* init = newAction<CountingAction>();
   auto* each = newAction<CountingAction>();
-  t->addInitAction(init);
   t->addAction(each);
-  // Three calls before the thread gets to run give three iterations.
   t->run();
   t->run();
   t->run();
   ASSERT_TRUE(waitUntil([&] { return each->count.load() == 3; }));
   EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
   EXPECT_EQ(each->count.load(), 3);
-  EXPECT_EQ(init->count.load(), 1);
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() == 4; }));
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), 4);
-  // Killing a thread that waits for a trigger wakes and ends it.
   t->kill();
   EXPECT_EQ(t->getState(), sxThread::DEAD);
-  EXPECT_EQ(each->count.load(), 4);
-  init->unRef();
+
+  sxThread* free = p.add();
+  auto* loop = newAction<CountingAction>();
+  free->addAction(loop);
+  free->run();
+  ASSERT_TRUE(waitUntil([&] { return loop->count.load() > 0; }));
+  free->suspend();
+  EXPECT_EQ(free->getState(), sxThread::SUSPENDED);
+  ASSERT_TRUE(waitUntil([&] { return staysAt([&] { return loop->count.load(); }, 20); }));
+  const int stopped = loop->count.load();
+  EXPECT_TRUE(staysAt([&] { return loop->count.load(); }));
+  free->run();
+  EXPECT_TRUE(waitUntil([&] { return loop->count.load() > stopped + 10; }));
+  free->suspend();
+  free->kill();
+  EXPECT_EQ(free->getState(), sxThread::DEAD);
   each->unRef();
+  loop->unRef();
 }
 
-TEST(sxThread, SuspendStopsBeforeTheNextIteration) {
-  Pipeline p;
-  sxThread* t = p.add();
-  auto* each = newAction<CountingAction>();
-  t->addAction(each);
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() > 0; }));
-  t->suspend();
-  EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
-  // At most the iteration under way completes.
-  ASSERT_TRUE(waitUntil([&] { return staysAt([&] { return each->count.load(); }, 20); }));
-  const int stopped = each->count.load();
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  t->run();
-  EXPECT_TRUE(waitUntil([&] { return each->count.load() > stopped + 10; }));
-  // Killing a suspended thread ends it as well.
-  t->suspend();
-  t->kill();
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-  each->unRef();
-}
-
-TEST(sxThread, AFailingActionKillsOnlyItsThread) {
+TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   sxtest::MessageCapture messages;
   Pipeline p;
   sxThread* t = p.add(sxThread::FREE_RUNNING, "Worker");
@@ -153,24 +132,33 @@ TEST(sxThread, AFailingActionKillsOnlyItsThread) {
   t->addAction(first);
   t->addAction(failing);
   t->addAction(after);
-  ASSERT_TRUE(waitUntil([&] { return staysAt([&] { return first->count.load(); }, 5); }));
   failing->result.store(false);
   t->run();
   ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
   EXPECT_EQ(sxtest::MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
   EXPECT_EQ(first->count.load(), 1);
-  EXPECT_EQ(failing->count.load(), 1);
   EXPECT_EQ(after->count.load(), 0);  // actions after the failing one are not applied
-  t->kill();                          // already dead: nothing happens
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-  // The rest of the process carries on: another thread still runs.
+  // The rest of the process carries on: another thread still runs, and
+  // ends when an action kills it; the call returns, and the thread ends at
+  // its next check.
   sxThread* other = p.add();
-  auto* alive = newAction<CountingAction>();
-  other->addAction(alive);
+  std::atomic<int> afterKill{0};
+  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
+    sxThread::getCurrentThread()->kill();
+    afterKill.fetch_add(1);
+    return true;
+  });
+  other->addAction(first);
+  other->addAction(killer);
+  other->addAction(after);
   other->run();
-  EXPECT_TRUE(waitUntil([&] { return alive->count.load() > 0; }));
-  EXPECT_EQ(sxtest::MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
-  for (auto* a : {first, failing, after, alive}) a->unRef();
+  ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
+  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }));
+  EXPECT_EQ(afterKill.load(), 1);
+  EXPECT_EQ(first->count.load(), 2);
+  EXPECT_LE(after->count.load(), 1);
+  for (auto* a : {first, failing, after}) a->unRef();
+  killer->unRef();
 }
 
 TEST(sxThread, ActionListsReferenceTheirActions) {
@@ -182,60 +170,24 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
   t->addAction(nullptr);
   t->addInitAction(nullptr);
   EXPECT_EQ(t->getNumActions(), 0);
-  t->addAction(a);
-  t->addAction(b);
-  t->addAction(c);
+  for (auto* x : {a, b, c}) t->addAction(x);
   t->addInitAction(a);
   EXPECT_EQ(a->getRefCount(), 3);
-  EXPECT_EQ(t->getNumActions(), 3);
   EXPECT_EQ(t->getNumInitActions(), 1);
   EXPECT_FALSE(t->removeAction(nullptr));
   EXPECT_TRUE(t->removeAction(a));
   EXPECT_FALSE(t->removeInitAction(b));
-  EXPECT_EQ(a->getRefCount(), 2);
   EXPECT_EQ(t->getNumActions(), 2);
   // apply runs what is left, in order, with the target and no event.
   sxBase target;
   EXPECT_TRUE(t->apply(&target));
   EXPECT_EQ(a->count.load(), 0);
-  EXPECT_EQ(b->count.load(), 1);
   EXPECT_EQ(c->lastObject.load(), &target);
-  // An action removed while the thread still lists it elsewhere lives on;
-  // the thread's release at the end frees the last reference.
+  EXPECT_EQ(c->lastEvent.load(), nullptr);
   EXPECT_TRUE(t->removeInitAction(a));
   EXPECT_EQ(a->getRefCount(), 1);
   for (auto* x : {a, b, c}) x->unRef();
-  EXPECT_EQ(b->getRefCount(), 1);  // still listed
-}
-
-TEST(sxThread, PriorityMappingTable) {
-  using C = sxPlatform::PriorityClass;
-  constexpr int tc = sxPlatform::timeCritical;
-  // The mapping as documented, row by row: a class and the relative level
-  // of the row's first value, rising by step with each further value. The
-  // idle band stays at +2 throughout.
-  struct Row {
-    int from, to;
-    C cls;
-    int first, step;
-  };
-  const Row rows[] = {
-      {0, 10, C::idle, 2, 0},       {11, 14, C::normal, -2, 1}, {15, 17, C::normal, 2, 0},
-      {18, 22, C::high, -2, 1},     {23, 24, C::high, tc, 0},   {25, 29, C::realtime, -2, 1},
-      {30, 31, C::realtime, tc, 0},
-  };
-  int checked = 0;
-  for (const Row& r : rows)
-    for (int p = r.from; p <= r.to; ++p) {
-      const sxiThreadPriority* e = sxiThreadPriority::lookup(p);
-      ASSERT_NE(e, nullptr) << p;
-      EXPECT_EQ(e->priorityClass, r.cls) << p;
-      EXPECT_EQ(e->relative, r.first + r.step * (p - r.from)) << p;
-      ++checked;
-    }
-  EXPECT_EQ(checked, 32);
-  EXPECT_EQ(sxiThreadPriority::lookup(-1), nullptr);
-  EXPECT_EQ(sxiThreadPriority::lookup(32), nullptr);
+  EXPECT_EQ(b->getRefCount(), 1) << "still listed";
 }
 
 TEST(sxThread, PriorityAndProcessorRequests) {
@@ -261,42 +213,9 @@ TEST(sxThread, PriorityAndProcessorRequests) {
   if (~allowed & 0xFFFFFFFFu) {
     EXPECT_FALSE(t->setProcessors(unsigned(~allowed)));
   }
-
   t->kill();
   EXPECT_FALSE(t->setPriority(5));
   EXPECT_FALSE(t->setProcessors(lowest));
-}
-
-TEST(sxThread, KillFromInsideAnAction) {
-  Pipeline p;
-  sxThread* t = p.add();
-  std::atomic<int> after{0};
-  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sxThread::getCurrentThread()->kill();
-    after.fetch_add(1);  // the call returns: the thread ends at its next check
-    return true;
-  });
-  auto* next = newAction<CountingAction>();
-  t->addAction(killer);
-  t->addAction(next);
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
-  EXPECT_TRUE(staysAt([&] { return after.load(); }));
-  EXPECT_EQ(after.load(), 1);
-  EXPECT_LE(next->count.load(), 1);
-  killer->unRef();
-  next->unRef();
-}
-
-TEST(sxThread, CreationByNameGivesAWorker) {
-  sxBase* made = sxType::createInstance("sxThread");
-  ASSERT_NE(made, nullptr);
-  auto* t = static_cast<sxThread*>(made);
-  t->ref();
-  EXPECT_FALSE(t->isAppThread());
-  EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
-  EXPECT_EQ(t->createCopy(), nullptr);  // threads are not copied
-  t->unRef();
 }
 
 }  // namespace
