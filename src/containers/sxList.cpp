@@ -88,6 +88,7 @@ bool sxList::insert(int i, void* p) {
   if (i < 0 || i >= maxCount || n >= maxCount) return false;
   if (!increasePhysicalSize(i < capacity ? n + 1 : i + 1)) return false;
   if (i < n) std::memmove(data + i + 1, data + i, std::size_t(n - i) * sizeof(void*));
+  clearGap(n, i);
   data[i] = p;
   setCount(n + 1 > i + 1 ? n + 1 : i + 1);
   return true;
@@ -96,6 +97,7 @@ bool sxList::insert(int i, void* p) {
 bool sxList::set(int i, void* p) {
   if (i < 0 || i >= maxCount) return false;
   if (!increasePhysicalSize(i + 1)) return false;
+  clearGap(getNum(), i);
   data[i] = p;
   if (i + 1 > getNum()) setCount(i + 1);
   return true;

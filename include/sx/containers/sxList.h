@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <type_traits>
 
@@ -41,10 +42,11 @@ class SX_API sxList {
   int add(void* p);
   bool addUnique(void* p);
   // Shifts i..count-1 up and stores p at i; count becomes max(count+1, i+1).
-  // Slots between the old end and i stay unwritten. False when i < 0 or the
-  // list would outgrow maxCount.
+  // Slots between the old end and i hold null. False when i < 0 or the list
+  // would outgrow maxCount.
   bool insert(int i, void* p);
-  // Stores p at i, growing as needed; count becomes max(count, i+1).
+  // Stores p at i, growing as needed; count becomes max(count, i+1), and
+  // slots between the old end and i hold null.
   bool set(int i, void* p);
   bool contains(const void* p) const { return getIndex(p) >= 0; }
   int getIndex(const void* p) const;
@@ -78,6 +80,11 @@ class SX_API sxList {
   void setCount(int n) { countArena = (countArena & ~countMask) | std::uint32_t(n); }
   bool increasePhysicalSize(int n);
   void** allocSlots(int n);
+  // Nulls the slots from `from` up to (not including) `to`: a slot that an
+  // insert or set past the end skips never shows an old or random pointer.
+  void clearGap(int from, int to) {
+    if (from < to) std::fill(data + from, data + to, nullptr);
+  }
 
   void** data = nullptr;
   std::uint32_t countArena = 0;
