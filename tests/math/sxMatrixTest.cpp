@@ -1,16 +1,19 @@
-#include <sx/sxCore.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <random>
+#include <tuple>
 #include <vector>
+
+#include "sxMathTestUtil.h"
 
 namespace {
 
 sxMatrix product(sxMatrix a, const sxMatrix& b) {
   return a *= b;
+}
+
+sxVec4 components(const sxQuat& q) {
+  return sxVec4(q.x, q.y, q.z, q.w);
 }
 
 // The plain 4x4 product, element by element: element e = i / 4 sums the
@@ -41,15 +44,12 @@ class sxMatrixFactory {
 
   float uniform(float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); }
   sxMatrix rotation() {
-    sxMatrix m;
-    m.makeHPR(uniform(-180, 180), uniform(-85, 85), uniform(-180, 180));
-    return m;
+    return Built().hpr(uniform(-180, 180), uniform(-85, 85), uniform(-180, 180));
   }
   sxMatrix scale(bool uniformly) {
-    sxMatrix m;
     const float s = uniform(0.2f, 5.0f);
-    m.makeScale(s, uniformly ? s : uniform(0.2f, 5.0f), uniformly ? s : uniform(0.2f, 5.0f));
-    return m;
+    return Built().scale(s, uniformly ? s : uniform(0.2f, 5.0f),
+                         uniformly ? s : uniform(0.2f, 5.0f));
   }
   // A projective matrix with random values everywhere.
   sxMatrix general() {
@@ -63,8 +63,7 @@ class sxMatrixFactory {
   std::vector<sxMatrix> everyType() {
     const sxMatrix u = scale(true), n = scale(false), r = rotation();
     const sxMatrix un = product(u, n), nr = product(n, r), ru = product(r, u);
-    sxMatrix t;
-    t.makeXYZ(sxVec3(uniform(-50, 50), uniform(-50, 50), uniform(-50, 50)));
+    const sxMatrix t = Built().xyz(uniform(-50, 50), uniform(-50, 50), uniform(-50, 50));
     std::vector<sxMatrix> all = {general(), sxMatrix(), r, ru, nr, product(nr, scale(true)),
                                  u,         n,          un};
     for (const sxMatrix& m : {sxMatrix(), r, u, ru, n, nr, un, product(un, r)})
@@ -76,21 +75,17 @@ class sxMatrixFactory {
   std::mt19937 rng;
 };
 
-class sxMatrixTest : public testing::Test {
+class sxMatrixTest : public sxHardwareSqrtTest {
  protected:
-  void SetUp() override { sxSetSqrtMethod(SXSQRT_HARDWARE); }
   sxMatrixFactory make{12345};
 };
 
 TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
+  EXPECT_EQ(Built().scale(2, 2, 2).identifyType(), sxMatrix::UNIFORM_SCALE);
+  EXPECT_EQ(Built().scale(2, 1, 2).identifyType(), sxMatrix::NONUNIFORM_SCALE);
+  // A mirror counts as a rotation.
+  EXPECT_EQ(Built().scale(-1, 1, 1).identifyType(), sxMatrix::ROTATION);
   sxMatrix m;
-  m.makeScale(2.0f, 2.0f, 2.0f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::UNIFORM_SCALE);
-  m.makeScale(2.0f, 1.0f, 2.0f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::NONUNIFORM_SCALE);
-  m.makeScale(-1.0f, 1.0f, 1.0f);  // a mirror counts as a rotation
-  EXPECT_EQ(m.identifyType(), sxMatrix::ROTATION);
-  m.makeIdent();
   m[1][3] = 0.5f;
   EXPECT_EQ(m.identifyType(), sxMatrix::PROJECTIVE);
   // Below the tolerance nothing counts.
@@ -102,8 +97,8 @@ TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
   // tolerance, so scaled matrices are also called rotations: a bit too many
   // costs speed, never correctness.
   sxSetSqrtMethod(SXSQRT_TABLE_4K);
-  m.makeScale(1.7f, 1.7f, 1.7f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::UNIFORM_SCALE | sxMatrix::ROTATION);
+  EXPECT_EQ(Built().scale(1.7f, 1.7f, 1.7f).identifyType(),
+            sxMatrix::UNIFORM_SCALE | sxMatrix::ROTATION);
   // Construction from values takes a given type as it is.
   const float raw[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1};
   EXPECT_EQ(sxMatrix(raw, sxMatrix::ROTATION).getType(), sxMatrix::ROTATION);
@@ -111,23 +106,17 @@ TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
 }
 
 TEST_F(sxMatrixTest, HeadingPitchRollAndAxisRotations) {
-  sxMatrix m;
-  m.makeHPR(0.0f, 0.0000005f, 0.0f);
-  EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
-  m.makeRot(5e-7f, 1.0f, 0.0f, 0.0f);
-  EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
+  EXPECT_EQ(Built().hpr(0, 5e-7f, 0).getType(), sxMatrix::IDENTITY);
+  EXPECT_EQ(Built().rot(5e-7f, 1, 0, 0).getType(), sxMatrix::IDENTITY);
   // Heading 90 turns the view from +Y to -X, as sxVec3::setH does.
-  m.makeHPR(90.0f, 0.0f, 0.0f);
+  sxMatrix m = Built().hpr(90, 0, 0), h;
   EXPECT_EQ(m.getType(), sxMatrix::ROTATION);
   sxVec3 dir, expected;
   m.getDirection(dir);
   expected.setH(90.0f);
   EXPECT_TRUE(dir.almostEqual(expected, 1e-6f));
   // An axis rotation turns the same way as heading.
-  sxMatrix h;
-  h.makeHPR(35.0f, 0.0f, 0.0f);
-  m.makeRot(35.0f, 0.0f, 0.0f, 1.0f);
-  EXPECT_LT(matrixError(m, h), 1e-6f);
+  EXPECT_LT(matrixError(Built().rot(35, 0, 0, 1), Built().hpr(35, 0, 0)), 1e-6f);
   m.makeRot(120.0f, sxVec3(1, 1, 1));
   dir.xformVec(sxVec3(1, 0, 0), m);
   EXPECT_TRUE(dir.almostEqual(sxVec3(0, 1, 0), 1e-5f));
@@ -186,16 +175,12 @@ TEST_F(sxMatrixTest, ProductEdgeCases) {
   r.mult(sxMatrix(), b);
   EXPECT_EQ(r, b);
   // An unknown operand leaves the product's type to identification.
-  sxMatrix unknown;
-  unknown.makeXYZ(1, 2, 3);
+  sxMatrix unknown = Built().xyz(1, 2, 3);
   unknown.setType(sxMatrix::UNKNOWN);
   r.mult(make.rotation(), unknown);
   EXPECT_EQ(r.getType(), sxMatrix::ROTATION | sxMatrix::TRANSLATION);
   // pre and post forms of the builders.
-  r.makeIdent();
-  r.postTrans(1, 0, 0);
-  r.postRot(90, 0, 0, 1);
-  r.postScale(2, 2, 2);
+  r = Built().thenTrans(1, 0, 0).thenRot(90, 0, 0, 1).thenScale(2, 2, 2);
   EXPECT_TRUE((sxVec3(0, 0, 0) * r).almostEqual(sxVec3(0, 2, 0), 1e-5f));
   r.makeIdent();
   r.preTrans(1, 0, 0);
@@ -249,9 +234,7 @@ TEST_F(sxMatrixTest, SingularMatrixGivesTheMessageAndTheIdentity) {
   EXPECT_GT(std::fabs(r[1][1]), 1e10f);
   // An affine matrix with a tiny determinant falls back to the general
   // inverse, which still solves it.
-  m.makeScale(0.01f, 0.02f, 0.03f);
-  m.postRot(30, 1, 0, 0);
-  m.postTrans(1, 2, 3);
+  m = Built().scale(0.01f, 0.02f, 0.03f).thenRot(30, 1, 0, 0).thenTrans(1, 2, 3);
   ASSERT_EQ(m.getType(), sxMatrix::ROTATION | sxMatrix::NONUNIFORM_SCALE | sxMatrix::TRANSLATION);
   ASSERT_TRUE(r.invert(m));
   EXPECT_LT(matrixError(product(m, r), sxMatrix()), 1e-4f);
@@ -282,39 +265,34 @@ TEST_F(sxMatrixTest, RowsColumnsAndTranspose) {
 }
 
 TEST_F(sxMatrixTest, AlongDirectionProjectionAndReflection) {
-  sxMatrix m, hpr;
+  sxMatrix m, inv;
   sxVec3 dir;
   for (int i = 0; i < 100; ++i) {
     const float h = make.uniform(-170, 170), p = make.uniform(-80, 80);
     dir.setHP(h, p);
     m.makeAlongDirection(dir * 3.0f);
-    hpr.makeHPR(h, p, 0.0f);
-    EXPECT_LT(matrixError(m, hpr), 1e-5f);
+    EXPECT_LT(matrixError(m, Built().hpr(h, p, 0)), 1e-5f);
   }
   // Straight up: Z is no help, the X axis is kept.
   m.makeAlongDirection(sxVec3(0, 0, 2));
-  hpr.makeHPR(0.0f, 90.0f, 0.0f);
-  EXPECT_LT(matrixError(m, hpr), 1e-6f);
+  EXPECT_LT(matrixError(m, Built().hpr(0, 90, 0)), 1e-6f);
   // With another up vector the +Z axis leans toward it.
   m.makeAlongDirection(sxVec3(1, 0, 0), sxVec3(0, 1, 0));
   m.getRow(2, dir);
   EXPECT_TRUE(dir.almostEqual(sxVec3(0, 1, 0), 1e-6f));
   m.makeAlongDirection(sxVec3(0, 0, 0));
   EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
-
   // Shadows on the ground from a light at (0, 0, 10).
   m.makeProjection(sxPlane(sxVec3(0, 0, 1), 0.0f), sxVec3(0, 0, 10));
   dir.fullXformPt(sxVec3(1, 2, 5), m);
   EXPECT_TRUE(dir.almostEqual(sxVec3(2, 4, 0), 1e-5f));
-
   // Mirror in the plane z = 1 after a translation.
-  sxMatrix move;
-  move.makeXYZ(1, 0, 0);
+  sxMatrix move = Built().xyz(1, 0, 0);
   m.makeReflection(move, sxPlane(sxVec3(0, 0, 1), 1.0f));
   dir.xformPt(sxVec3(0, 0, 3), m);
   EXPECT_TRUE(dir.almostEqual(sxVec3(1, 0, -1), 1e-6f));
-  hpr.invert(m);
-  dir.xformPt(dir, hpr);
+  inv.invert(m);
+  dir.xformPt(dir, inv);
   EXPECT_TRUE(dir.almostEqual(sxVec3(0, 0, 3), 1e-5f));
   move.makeReflection(move, sxPlane(sxVec3(0, 0, 1), 1.0f));
   EXPECT_EQ(move, m);
@@ -322,27 +300,23 @@ TEST_F(sxMatrixTest, AlongDirectionProjectionAndReflection) {
 
 TEST(sxMatrixStack, GrowsByDoublingAndCountsChanges) {
   sxMatrixStack s(2);
-  EXPECT_EQ(s.getID(), 0);
+  // Depth, capacity and change count.
+  auto state = [&s] { return std::tuple(s.getDepth(), s.getStackSize(), int{s.getID()}); };
+  EXPECT_EQ(state(), std::tuple(0, 2, 0));
   s.postTrans(1, 2, 3);
   s.push();
-  EXPECT_EQ(s.getStackSize(), 2);
-  EXPECT_EQ(s.getID(), 2);
+  EXPECT_EQ(state(), std::tuple(1, 2, 2));
   s.push();  // grows (one change) and pushes (another)
-  EXPECT_EQ(s.getDepth(), 2);
-  EXPECT_EQ(s.getStackSize(), 4);
-  EXPECT_EQ(s.getID(), 4);
+  EXPECT_EQ(state(), std::tuple(2, 4, 4));
   sxVec3 xyz;
   s.getTop().getXYZ(xyz);
   EXPECT_EQ(xyz, sxVec3(1, 2, 3));
   s.pop();
   s.pop();
-  const auto id = s.getID();
   s.pop();  // at the bottom: nothing, not even the ID
-  EXPECT_EQ(s.getDepth(), 0);
-  EXPECT_EQ(s.getID(), id);
+  EXPECT_EQ(state(), std::tuple(0, 4, 6));
   for (int i = 0; i < 40; ++i) s.pushIdent();
-  EXPECT_EQ(s.getDepth(), 40);
-  EXPECT_EQ(s.getStackSize(), 64);
+  EXPECT_EQ(state(), std::tuple(40, 64, 50));
   EXPECT_EQ(s.getTop(), sxMatrix());
   s.reset();
   EXPECT_EQ(s.getDepth(), 0);
@@ -363,8 +337,7 @@ TEST(sxMatrixStack, TopOperationsMatchTheMatrixOnes) {
   s.preRot(10, 1, 0, 0), expected.preRot(10, 1, 0, 0);
   s.postTrans(0, 5, 0), expected.postTrans(0, 5, 0);
   EXPECT_EQ(s.getTop(), expected);
-  sxMatrix m;
-  m.makeHPR(10, 20, 30);
+  const sxMatrix m = Built().hpr(10, 20, 30);
   s.pushMult(m);
   EXPECT_EQ(s.getTop(), product(expected, m));
   s.pushLoad(m);
@@ -398,9 +371,7 @@ TEST(sxQuat, ProductsFollowTheMatrices) {
     qab.getMatrix(fromQuat);
     EXPECT_LT(matrixError(fromQuat, product(a, b)), 1e-5f);
     inv.invert(qa);
-    const sxQuat one = qa * inv;
-    EXPECT_NEAR(one.w, 1.0f, 1e-5f);
-    EXPECT_NEAR(one.x, 0.0f, 1e-5f);
+    EXPECT_TRUE(components(qa * inv).almostEqual(sxVec4(0, 0, 0, 1), 1e-5f));
     conj.conjugate(qa);
     EXPECT_NEAR(conj.dot(inv), 1.0f, 1e-5f);
   }
@@ -416,16 +387,12 @@ TEST(sxQuat, ProductsFollowTheMatrices) {
 
 TEST(sxQuat, Slerp) {
   sxQuat a, b, r;
-  sxMatrix m;
-  m.makeRot(0.0f, 0, 0, 1);
-  a.setMatrix(m);
-  m.makeRot(90.0f, 0, 0, 1);
-  b.setMatrix(m);
+  a.setMatrix(Built().rot(0, 0, 0, 1));
+  b.setMatrix(Built().rot(90, 0, 0, 1));
   r.slerp(0.5f, a, b);
   sxMatrix half;
   r.getMatrix(half);
-  m.makeRot(45.0f, 0, 0, 1);
-  EXPECT_LT(matrixError(half, m), 1e-6f);
+  EXPECT_LT(matrixError(half, Built().rot(45, 0, 0, 1)), 1e-6f);
   r.slerp(1.0f, a, b);
   EXPECT_NEAR(r.dot(b), 1.0f, 1e-6f);
   // The sign flip makes q and -q the same rotation.
@@ -437,8 +404,7 @@ TEST(sxQuat, Slerp) {
   r.slerp(0.25f, q, sxQuat(q.x + 1e-7f, q.y, q.z, q.w));
   EXPECT_FLOAT_EQ(r.x, q.x + 0.25e-7f);
   r.lerp(0.5f, sxQuat(0, 0, 0, 1), sxQuat(1, 0, 0, 0));
-  EXPECT_EQ(r.x, 0.5f);
-  EXPECT_EQ(r.w, 0.5f);
+  EXPECT_EQ(components(r), sxVec4(0.5f, 0, 0, 0.5f));
 }
 
 }  // namespace

@@ -1,10 +1,8 @@
-#include <sx/sxCore.h>
-
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <limits>
 #include <tuple>
+
+#include "sxMathTestUtil.h"
 
 namespace {
 
@@ -65,10 +63,7 @@ TEST(sxSqrt, MethodsOutsideTheTableKeepTheTableInForce) {
   EXPECT_EQ(sxSqrt(1.99f), coarse);
 }
 
-class sxVecTest : public testing::Test {
- protected:
-  void SetUp() override { sxSetSqrtMethod(SXSQRT_HARDWARE); }
-};
+class sxVecTest : public sxHardwareSqrtTest {};
 
 TEST_F(sxVecTest, NormalizeAndArithmeticAllowAliasing) {
   // Too short: zeroed, 0 returned; within 1e-6 of unit square length:
@@ -164,8 +159,7 @@ TEST_F(sxVecTest, HeadingAndPitch) {
 }
 
 TEST_F(sxVecTest, TransformsUseRowVectors) {
-  sxMatrix m;
-  m.makeRot(90.0f, 0.0f, 0.0f, 1.0f);
+  sxMatrix m = Built().rot(90, 0, 0, 1);
   m.setXYZ(10.0f, 20.0f, 30.0f);
   sxVec3 v;
   v.xformVec(sxVec3(1, 0, 0), m);
@@ -330,12 +324,9 @@ TEST(sxInterpTable, VectorsAndOrientations) {
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   sxQuatInterpTable q;
   sxQuat a;
-  sxMatrix m;
-  m.makeHPR(0, 0, 0);
-  a.setMatrix(m);
+  a.setMatrix(Built().hpr(0, 0, 0));
   q.add(0.0f, a);
-  m.makeHPR(80, 0, 0);
-  a.setMatrix(m);
+  a.setMatrix(Built().hpr(80, 0, 0));
   q.add(1.0f, a);
   sxVec3 hpr;
   q.get(0.25f).getHPR(hpr);

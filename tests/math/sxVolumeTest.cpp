@@ -1,7 +1,3 @@
-#include <sx/sxCore.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
@@ -12,6 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "sxMathTestUtil.h"
+
 namespace {
 
 using V = sxVolume;
@@ -19,9 +17,7 @@ using V = sxVolume;
 // Short constructors, so that a table holds a case or two a line.
 const auto v = [](float x, float y, float z) { return sxVec3(x, y, z); };
 const auto S = [](float x, float y, float z, float r) { return sxSphere(sxVec3(x, y, z), r); };
-const auto P = [](float x, float y, float z, float offset) {
-  return sxPlane(sxVec3(x, y, z), offset);
-};
+const auto P = [](float x, float y, float z, float d) { return sxPlane(sxVec3(x, y, z), d); };
 using B = sxBox;
 using R = sxRay;
 
@@ -33,9 +29,8 @@ std::string where(std::initializer_list<int> answers, const char* letters = "OPI
   return s;
 }
 
-class sxVolumeTest : public testing::Test {
+class sxVolumeTest : public sxHardwareSqrtTest {
  protected:
-  void SetUp() override { sxSetSqrtMethod(SXSQRT_HARDWARE); }
   const sxBox unitBox{v(0, 0, 0), v(1, 1, 1)};
 };
 
@@ -93,22 +88,17 @@ TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
 
   // Only the Z axis measures the scale; an empty sphere stays empty.
   s = S(1, 0, 0, 2);
-  sxMatrix m;
-  s.xform(m);
+  s.xform(sxMatrix());
   EXPECT_EQ(s, S(1, 0, 0, 2));
-  m.makeRot(90, 0, 0, 1);
-  m.postTrans(0, 0, 5);
-  s.xform(m);
+  s.xform(Built().rot(90, 0, 0, 1).thenTrans(0, 0, 5));
   EXPECT_TRUE(s.center.almostEqual(v(0, 1, 5), 1e-6f));
   EXPECT_EQ(s.radius, 2.0f);
-  m.makeScale(3, 3, 3);
-  s.xform(m);
+  s.xform(Built().scale(3, 3, 3));
   EXPECT_FLOAT_EQ(s.radius, 6.0f);
-  m.makeScale(10, 10, 1);
-  s.xform(m);
+  s.xform(Built().scale(10, 10, 1));
   EXPECT_FLOAT_EQ(s.radius, 6.0f);
   around.makeEmpty();
-  around.xform(m);
+  around.xform(Built().scale(10, 10, 1));
   EXPECT_TRUE(around.isEmpty());
 }
 
@@ -149,9 +139,8 @@ TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
 
   // The box of the transformed corners; a projective matrix goes corner by
   // corner.
-  sxMatrix m, p;
-  m.makeRot(45, 0, 0, 1);
-  m.postTrans(10, 0, 0);
+  const sxMatrix m = Built().rot(45, 0, 0, 1).thenTrans(10, 0, 0);
+  sxMatrix p;
   b = B(v(-1, -1, -1), v(1, 1, 1));
   b.xform(m);
   const float r = std::sqrt(2.0f);
@@ -215,14 +204,8 @@ TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   onPlane[1].addScaled(onPlane[0], 3.0f, axis);
   onPlane[2].addScaled(onPlane[0], -2.0f, other);
   deep.scale(plane.offset - 1.0f, plane.normal);
-  sxMatrix rigid, skew;
-  rigid.makeHPR(20, 30, 40);
-  rigid.postScale(2, 2, 2);
-  rigid.postTrans(1, -2, 3);
-  skew.makeScale(1, 3, 0.5f);
-  skew.postRot(30, 1, 1, 0);
-  skew.postTrans(0, 4, 0);
-  for (const sxMatrix& m : {rigid, skew}) {
+  for (const sxMatrix& m : {Built().hpr(20, 30, 40).thenScale(2, 2, 2).thenTrans(1, -2, 3),
+                            Built().scale(1, 3, 0.5f).thenRot(30, 1, 1, 0).thenTrans(0, 4, 0)}) {
     p.xform(plane, m);
     EXPECT_NEAR(p.normal.length(), 1.0f, 1e-6f);
     for (const sxVec3& q : onPlane) EXPECT_NEAR(p.normal.dot(q * m), p.offset, 1e-4f);
@@ -276,9 +259,7 @@ TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
              unitBox.contains(R(v(0, 1, 0.5f), east, 1))}),
       "IPOIOIPPIPPI");
 
-  sxMatrix m;
-  m.makeScale(2, 2, 2);
-  m.postTrans(1, 0, 0);
+  const sxMatrix m = Built().scale(2, 2, 2).thenTrans(1, 0, 0);
   r = R(v(0, 0, 0), v(0, 3, 0));
   r.xform(m);
   EXPECT_EQ(r.getStartPoint(), v(1, 0, 0));
@@ -325,13 +306,10 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
   static_cast<sxFrustum&>(*volumes[3]).makePersp(-1, 1, -1, 1, 1, 10);
   sxArena arena;
   for (const auto& vol : volumes) {
-    std::unique_ptr<sxVolume> copy(vol->createCopy());
-    ASSERT_TRUE(copy);
-    EXPECT_EQ(copy->getType(), vol->getType());
-    sxVolume* disposable = vol->createDisposableCopy(&arena);
-    ASSERT_TRUE(disposable);
-    EXPECT_TRUE(arena.inRange(disposable));
-    EXPECT_EQ(disposable->getType(), vol->getType());
+    const std::unique_ptr<sxVolume> copy(vol->createCopy());
+    EXPECT_TRUE(copy && copy->getType() == vol->getType());
+    const sxVolume* disposable = vol->createDisposableCopy(&arena);
+    EXPECT_TRUE(disposable && arena.inRange(disposable) && disposable->getType() == vol->getType());
     EXPECT_EQ(vol->createDisposableCopy(nullptr), nullptr);
     // The generic forms reach the typed ones.
     for (const auto& w : volumes) {
@@ -499,16 +477,13 @@ TEST_F(sxFrustumTest, RaysFrustaPlanesAndOtherVolumes) {
   EXPECT_EQ(where({f.contains(R(o, north, -1)), f.contains(R(v(0, 2, 0), north, 3)),
                    f.contains(inner), inner.contains(f)}),
             "PIIP");
-  sxMatrix m;
-  m.makeXYZ(0, 0, 30);
-  away.xform(f, m);
+  away.xform(f, Built().xyz(0, 0, 30));
   EXPECT_EQ(f.contains(away), V::OUTSIDE);
   EXPECT_FALSE(away.intersects(f));
   // Frusta side by side whose bounding boxes overlap but which do not meet:
   // one looks along +Y within |x| <= y, the other along +X within
   // |y + 3| <= x - 3, so y <= x - 6 there.
-  m.makeRot(-90, 0, 0, 1);
-  m.postTrans(3, -3, 0);
+  sxMatrix m = Built().rot(-90, 0, 0, 1).thenTrans(3, -3, 0);
   away.xform(f, m);
   sxBox boundsA, boundsB;
   boundsA.extendAround(f);
