@@ -28,6 +28,14 @@ std::string where(std::initializer_list<int> answers, const char* letters = "OPI
   for (int a : answers) s += letters[a];
   return s;
 }
+// The answers of a.contains(o) for each o, of o.contains(a), of
+// a.intersects(o) and of o.intersects(a).
+const auto holds = [](const auto& a, const auto&... o) { return where({a.contains(o)...}); };
+const auto heldBy = [](const auto& a, const auto&... o) { return where({o.contains(a)...}); };
+const auto meets = [](const auto& a, const auto&... o) {
+  return where({a.intersects(o)...}, "01");
+};
+const auto met = [](const auto& a, const auto&... o) { return where({o.intersects(a)...}, "01"); };
 
 class sxVolumeTest : public sxHardwareSqrtTest {
  protected:
@@ -76,15 +84,12 @@ TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
   EXPECT_GE(unit, S(9, 9, 9, 0.5f));
   // Strict for spheres; boxes by their corners, or no point within; a
   // sphere never holds a half space.
-  EXPECT_EQ(where({unit.contains(v(1, 0, 0)), unit.contains(v(1, 0.001f, 0)),
-                   unit.contains(S(2.0001f, 0, 0, 1)), unit.contains(S(0.5f, 0, 0, 0.4f)),
-                   unit.contains(S(0.5f, 0, 0, 0.5f)), unit.contains(S(0, 0, 0, 2)),
-                   unit.contains(B(v(-0.5f, -0.5f, -0.5f), v(0.5f, 0.5f, 0.5f))),
-                   unit.contains(B(v(-0.6f, -0.6f, -0.6f), v(0.6f, 0.6f, 0.6f))),
-                   unit.contains(B(v(0.8f, 0.8f, 0), v(2, 2, 1))),
-                   unit.contains(B(v(0.7f, 0.7f, 0), v(2, 2, 1))), unit.contains(sxBox()),
-                   unit.contains(P(0, 0, 1, -1)), unit.contains(P(0, 0, 1, -1.01f))}),
-            "IOOIPPIPOPOPO");
+  EXPECT_EQ(
+      holds(unit, v(1, 0, 0), v(1, 0.001f, 0), S(2.0001f, 0, 0, 1), S(0.5f, 0, 0, 0.4f),
+            S(0.5f, 0, 0, 0.5f), S(0, 0, 0, 2), B(v(-0.5f, -0.5f, -0.5f), v(0.5f, 0.5f, 0.5f)),
+            B(v(-0.6f, -0.6f, -0.6f), v(0.6f, 0.6f, 0.6f)), B(v(0.8f, 0.8f, 0), v(2, 2, 1)),
+            B(v(0.7f, 0.7f, 0), v(2, 2, 1)), sxBox(), P(0, 0, 1, -1), P(0, 0, 1, -1.01f)),
+      "IOOIPPIPOPOPO");
 
   // Only the Z axis measures the scale; an empty sphere stays empty.
   s = S(1, 0, 0, 2);
@@ -119,14 +124,11 @@ TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
   EXPECT_EQ(corner, v(0, 4, 2));
   box.getCenter(corner);
   EXPECT_EQ(corner, v(1.5f, 2.5f, 3.5f));
-  EXPECT_EQ(where({unitBox.contains(v(1, 1, 1)), unitBox.contains(v(1, 1, 1.0001f)),
-                   unitBox.contains(B(v(0, 0, 0), v(1, 1, 1))),
-                   unitBox.contains(B(v(1, 1, 1), v(2, 2, 2))),
-                   unitBox.contains(B(v(1.1f, 0, 0), v(2, 1, 1))),
-                   unitBox.contains(S(0.5f, 0.5f, 0.5f, 0.5f)), unitBox.contains(S(2, 2, 2, 1.74f)),
-                   unitBox.contains(S(2, 2, 2, 1.72f)), unitBox.contains(P(1, 0, 0, 0)),
-                   unitBox.contains(P(1, 0, 0, -0.1f))}),
-            "IOIPOIPOPO");
+  EXPECT_EQ(
+      holds(unitBox, v(1, 1, 1), v(1, 1, 1.0001f), B(v(0, 0, 0), v(1, 1, 1)),
+            B(v(1, 1, 1), v(2, 2, 2)), B(v(1.1f, 0, 0), v(2, 1, 1)), S(0.5f, 0.5f, 0.5f, 0.5f),
+            S(2, 2, 2, 1.74f), S(2, 2, 2, 1.72f), P(1, 0, 0, 0), P(1, 0, 0, -0.1f)),
+      "IOIPOIPOPO");
   b = unitBox;
   b.extendAround(S(3, 0, 0, 1));
   EXPECT_EQ(b.getMax(), v(4, 1, 1));
@@ -165,7 +167,7 @@ TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   EXPECT_EQ(p[2], 1.0f);
   EXPECT_EQ(p[3], 5.0f);
   EXPECT_EQ(p[-1], 5.0f);
-  EXPECT_EQ(where({p.contains(v(0, 0, 5)), p.contains(v(0, 0, 5.001f))}), "IO");
+  EXPECT_EQ(holds(p, v(0, 0, 5), v(0, 0, 5.001f)), "IO");
   p.make(v(-3, 0, -4), 2.0f);
   EXPECT_TRUE(p.getNormal().almostEqual(v(-0.6f, 0, -0.8f), 1e-6f));
   EXPECT_EQ(p.getNegOctant(), sxVec3::OCTANT_NPN);
@@ -177,16 +179,13 @@ TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   // z <= 0; slanted, y <= x, where the octant picks the corners; half
   // spaces against half spaces.
   const sxPlane below = P(0, 0, 1, 0), slant = P(-1, 1, 0, 0);
-  EXPECT_EQ(where({below.contains(S(0, 0, -1, 1)), below.contains(S(0, 0, 1, 1)),
-                   below.contains(S(0, 0, 1.01f, 1)), below.contains(B(v(0, 0, -2), v(1, 1, 0))),
-                   below.contains(B(v(0, 0, 0.1f), v(1, 1, 1))),
-                   slant.contains(B(v(1, -1, 0), v(2, 0.5f, 1))),
-                   slant.contains(B(v(0, 0.5f, 0), v(1, 2, 1))),
-                   slant.contains(B(v(-2, 0, 0), v(-1, 2, 1))), below.contains(P(0, 0, 1, -1)),
-                   below.contains(P(0, 0, 1, 1)), below.contains(P(0, 1, 0, 0)),
-                   below.contains(P(0, 0, -1, 0)), below.contains(P(0, 0, -1, -0.5f))}),
-            "IPOIOIPOIPPPO");
-  EXPECT_FALSE(below.intersects(P(0, 0, -1, -0.5f)));
+  EXPECT_EQ(holds(below, S(0, 0, -1, 1), S(0, 0, 1, 1), S(0, 0, 1.01f, 1),
+                  B(v(0, 0, -2), v(1, 1, 0)), B(v(0, 0, 0.1f), v(1, 1, 1)), P(0, 0, 1, -1),
+                  P(0, 0, 1, 1), P(0, 1, 0, 0), P(0, 0, -1, 0), P(0, 0, -1, -0.5f)) +
+                holds(slant, B(v(1, -1, 0), v(2, 0.5f, 1)), B(v(0, 0.5f, 0), v(1, 2, 1)),
+                      B(v(-2, 0, 0), v(-1, 2, 1))) +
+                meets(below, P(0, 0, -1, -0.5f)),
+            "IPOIOIPPPOIPO0");
   p = below;
   p.extendAround(v(4, 4, 3));
   EXPECT_EQ(p.getOffset(), 3.0f);
@@ -231,33 +230,26 @@ TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
   const sxPlane ground = P(0, 0, 1, 0);
   const sxSphere ball = S(0, 10, 0, 2);
   const sxVec3 up = v(0, 0, 1), down = v(0, 0, -1), north = v(0, 1, 0), east = v(1, 0, 0);
-  EXPECT_EQ(
-      where({R(v(0, 0, 5), down, 6).intersects(ground), ground.intersects(R(v(0, 0, 5), down, 6)),
-             R(v(0, 0, 5), down, 4).intersects(ground), R(v(0, 0, 5), down, -1).intersects(ground),
-             R(v(0, 0, 5), up, -1).intersects(ground), R(v(0, 0, 5), east, -1).intersects(ground),
-             R(v(0, 0, 5), down, 0).intersects(ground), R(v(0, 0, 0), north, 8).intersects(ball),
-             R(v(0, 0, 0), north, 7.9f).intersects(ball),
-             R(v(0, 0, 0), v(0, 1, 0.21f), -1).intersects(ball),
-             R(v(0, 0, 0), north, 0).intersects(ball), R(v(0, 20, 0), north, 1).intersects(ball),
-             R(v(-1, 0.5f, 0.5f), east, 1).intersects(unitBox),
-             R(v(-1, 1.5f, 0.5f), east, -1).intersects(unitBox),
-             R(v(2, 0.5f, 0.5f), east, -1).intersects(unitBox),
-             R(v(-1, -1, -1), v(1, 1, 1), -1).intersects(unitBox),
-             R(v(0.5f, 0.5f, 0.5f), east, 0).intersects(unitBox),
-             R(v(0, 0, 0), east, -1).intersects(sxBox())},
-            "01"),
-      "110100010001100100");
+  const sxVec3 o = v(0, 0, 0), high = v(0, 0, 5);
+  EXPECT_EQ(met(ground, R(high, down, 6), R(high, down, 4), R(high, down, -1), R(high, up, -1),
+                R(high, east, -1), R(high, down, 0)) +
+                meets(ground, R(high, down, 6)) +
+                met(ball, R(o, north, 8), R(o, north, 7.9f), R(o, v(0, 1, 0.21f), -1),
+                    R(o, north, 0), R(v(0, 20, 0), north, 1)) +
+                met(unitBox, R(v(-1, 0.5f, 0.5f), east, 1), R(v(-1, 1.5f, 0.5f), east, -1),
+                    R(v(2, 0.5f, 0.5f), east, -1), R(v(-1, -1, -1), v(1, 1, 1), -1),
+                    R(v(0.5f, 0.5f, 0.5f), east, 0)) +
+                met(sxBox(), R(o, east, -1)),
+            "101000110001100100");
   // Three-valued: a ray from inside that never leaves is inside.
   const sxVec3 diagonal = v(1, 1, 1), start = v(0.1f, 0.1f, 0.1f);
-  EXPECT_EQ(
-      where({ground.contains(R(v(0, 0, -1), east, -1)), ground.contains(R(v(0, 0, 5), down, 6)),
-             ground.contains(R(v(0, 0, 5), down, 4)), ground.contains(R(v(0, 0, -5), up, 4)),
-             ball.contains(R(v(0, 20, 0), north, 1)), ball.contains(R(v(0, 9, 0), north, 1)),
-             ball.contains(R(v(0, 9, 0), north, 5)), ball.contains(R(v(0, 9, 0), north, -1)),
-             unitBox.contains(R(start, diagonal, 1)), unitBox.contains(R(start, diagonal, 2)),
-             unitBox.contains(R(start, diagonal, -1)),
-             unitBox.contains(R(v(0, 1, 0.5f), east, 1))}),
-      "IPOIOIPPIPPI");
+  EXPECT_EQ(holds(ground, R(v(0, 0, -1), east, -1), R(high, down, 6), R(high, down, 4),
+                  R(v(0, 0, -5), up, 4)) +
+                holds(ball, R(v(0, 20, 0), north, 1), R(v(0, 9, 0), north, 1),
+                      R(v(0, 9, 0), north, 5), R(v(0, 9, 0), north, -1)) +
+                holds(unitBox, R(start, diagonal, 1), R(start, diagonal, 2), R(start, diagonal, -1),
+                      R(v(0, 1, 0.5f), east, 1)),
+            "IPOIOIPPIPPI");
 
   const sxMatrix m = Built().scale(2, 2, 2).thenTrans(1, 0, 0);
   r = R(v(0, 0, 0), v(0, 3, 0));
@@ -337,11 +329,8 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
   EXPECT_EQ(center, v(7, 7, 7));
   // Empty volumes meet nothing, on either side.
   const sxSphere empty, everything = S(0, 0, 0, 1e6f);
-  auto meets = [](const sxVolume& a, const sxVolume& b) { return a.intersects(b); };
-  EXPECT_EQ(where({meets(empty, everything), meets(everything, empty), meets(everything, sxBox()),
-                   meets(everything, sxFrustum()), meets(everything, unitBox)},
-                  "01"),
-            "00001");
+  const sxVolume &none = empty, &all = everything;
+  EXPECT_EQ(meets(none, all) + meets(all, none, sxBox(), sxFrustum(), unitBox), "00001");
 }
 
 class sxFrustumTest : public testing::Test {
@@ -357,8 +346,7 @@ TEST_F(sxFrustumTest, MadeInEyeSpace) {
   // Corner bits: 1 right, 2 top, 4 far. Looking along +Y with Z up.
   EXPECT_EQ(f.getCorner(0), v(-1, 1, -0.5f));
   EXPECT_EQ(f.getCorner(5), v(20, 10, -5));
-  EXPECT_EQ(where({f.contains(v(0, 5, 0)), f.contains(v(0, 0.5f, 0)), f.contains(v(-5.1f, 5, 0))}),
-            "IOO");
+  EXPECT_EQ(holds(f, v(0, 5, 0), v(0, 0.5f, 0), v(-5.1f, 5, 0)), "IOO");
   EXPECT_TRUE(f.getPlane(sxFrustum::FACE_NEAR).getNormal().almostEqual(v(0, -1, 0), 1e-6f));
   ASSERT_TRUE(f.makeFOV(90, 60, 2, 100));
   EXPECT_TRUE(f.isSymmetrical());
@@ -374,7 +362,7 @@ TEST_F(sxFrustumTest, MadeInEyeSpace) {
   // Bad parameters leave it empty.
   EXPECT_FALSE(f.makePersp(-1, 1, -1, 1, 0, 10));
   EXPECT_TRUE(f.isEmpty());
-  EXPECT_EQ(where({f.contains(v(0, 5, 0)), f.contains(S(0, 5, 0, 100))}), "OO");
+  EXPECT_EQ(holds(f, v(0, 5, 0), S(0, 5, 0, 100)), "OO");
   const float nan = std::numeric_limits<float>::quiet_NaN();
   EXPECT_EQ(where({f.makePersp(1, -1, -1, 1, 1, 5), f.makePersp(-1, 1, -1, 1, 5, 5),
                    f.makeOrtho(-1, 1, 1, 1, 1, 5), f.makeOrtho(-1, nan, -1, 1, 1, 5),
