@@ -8,16 +8,10 @@
 
 namespace {
 
-sxMatrix product(sxMatrix a, const sxMatrix& b) {
-  return a *= b;
-}
+const auto product = [](sxMatrix a, const sxMatrix& b) { return a *= b; };
+const auto components = [](const sxQuat& q) { return sxVec4(q.x, q.y, q.z, q.w); };
 
-sxVec4 components(const sxQuat& q) {
-  return sxVec4(q.x, q.y, q.z, q.w);
-}
-
-// The plain 4x4 product, element by element: element e = i / 4 sums the
-// terms k = i % 4 in double.
+// The plain 4x4 product: element i / 4 sums the terms k = i % 4 in double.
 sxMatrix referenceProduct(const sxMatrix& a, const sxMatrix& b) {
   double sum[16] = {};
   for (int i = 0; i < 64; ++i) sum[i / 4] += double{a[i / 16][i % 4]} * b[i % 4][i / 4 % 4];
@@ -26,8 +20,7 @@ sxMatrix referenceProduct(const sxMatrix& a, const sxMatrix& b) {
   return sxMatrix(v, 0);
 }
 
-// Largest element difference relative to the larger of 1 and the largest
-// element of expected.
+// Largest element difference relative to max(1, largest expected element).
 float matrixError(const sxMatrix& actual, const sxMatrix& expected) {
   float diff = 0.0f, size = 1.0f;
   for (int e = 0; e < 16; ++e) {
@@ -58,8 +51,7 @@ class sxMatrixFactory {
     v[15] += 3.0f;
     return sxMatrix(v, 0);
   }
-  // One matrix of each type: identity, linear, translation, affine, scale
-  // and general, with the scale variants of each group.
+  // One matrix of each type group, with the scale variants of each.
   std::vector<sxMatrix> everyType() {
     const sxMatrix u = scale(true), n = scale(false), r = rotation();
     const sxMatrix un = product(u, n), nr = product(n, r), ru = product(r, u);
@@ -83,8 +75,7 @@ class sxMatrixTest : public sxHardwareSqrtTest {
 TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
   EXPECT_EQ(Built().scale(2, 2, 2).identifyType(), sxMatrix::UNIFORM_SCALE);
   EXPECT_EQ(Built().scale(2, 1, 2).identifyType(), sxMatrix::NONUNIFORM_SCALE);
-  // A mirror counts as a rotation.
-  EXPECT_EQ(Built().scale(-1, 1, 1).identifyType(), sxMatrix::ROTATION);
+  EXPECT_EQ(Built().scale(-1, 1, 1).identifyType(), sxMatrix::ROTATION);  // a mirror
   sxMatrix m;
   m[1][3] = 0.5f;
   EXPECT_EQ(m.identifyType(), sxMatrix::PROJECTIVE);
@@ -93,9 +84,8 @@ TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
   m[0][1] = 5e-7f;
   m[3][2] = -5e-7f;
   EXPECT_EQ(m.identifyType(), sxMatrix::IDENTITY);
-  // With a table root the unit test of step 5 errs by more than the
-  // tolerance, so scaled matrices are also called rotations: a bit too many
-  // costs speed, never correctness.
+  // A table root errs beyond the tolerance of the unit test, so scaled
+  // matrices also count as rotations: that costs speed, never correctness.
   sxSetSqrtMethod(SXSQRT_TABLE_4K);
   EXPECT_EQ(Built().scale(1.7f, 1.7f, 1.7f).identifyType(),
             sxMatrix::UNIFORM_SCALE | sxMatrix::ROTATION);
@@ -111,7 +101,8 @@ TEST_F(sxMatrixTest, HeadingPitchRollAndAxisRotations) {
   // Heading 90 turns the view from +Y to -X, as sxVec3::setH does.
   sxMatrix m = Built().hpr(90, 0, 0), h;
   EXPECT_EQ(m.getType(), sxMatrix::ROTATION);
-  sxVec3 dir, expected;
+  sxVec3 dir, expected, back;
+  sxQuat q;
   m.getDirection(dir);
   expected.setH(90.0f);
   EXPECT_TRUE(dir.almostEqual(expected, 1e-6f));
@@ -126,15 +117,12 @@ TEST_F(sxMatrixTest, HeadingPitchRollAndAxisRotations) {
   EXPECT_EQ(m.getType(), sxMatrix::ROTATION | sxMatrix::TRANSLATION);
   m.setHPR(0.0f, 0.0f, 0.0f);
   EXPECT_EQ(m.getType(), sxMatrix::TRANSLATION);
-
   for (int i = 0; i < 500; ++i) {
     const sxVec3 hpr(make.uniform(-179, 179), make.uniform(-85, 85), make.uniform(-179, 179));
     SCOPED_TRACE(testing::Message() << hpr.x << " " << hpr.y << " " << hpr.z);
     m.makeHPR(hpr);
-    sxVec3 back;
     m.getHPR(back);
     EXPECT_TRUE(back.almostEqual(hpr, 2e-3f));
-    sxQuat q;
     q.setHPR(hpr);
     q.getHPR(back);
     EXPECT_TRUE(back.almostEqual(hpr, 2e-3f));
@@ -192,18 +180,16 @@ TEST_F(sxMatrixTest, ProductEdgeCases) {
 TEST_F(sxMatrixTest, InverseTimesMatrixIsTheIdentity) {
   for (int round = 0; round < 50; ++round) {
     for (const sxMatrix& m : make.everyType()) {
-      SCOPED_TRACE(m.getType());
       sxMatrix inv, full;
-      ASSERT_TRUE(inv.invert(m));
+      ASSERT_TRUE(inv.invert(m)) << m.getType();
       EXPECT_EQ(inv.getType(), m.getType());
-      EXPECT_LT(matrixError(product(m, inv), sxMatrix()), 2e-4f);
-      EXPECT_LT(matrixError(product(inv, m), sxMatrix()), 2e-4f);
+      EXPECT_LT(matrixError(product(m, inv), sxMatrix()), 2e-4f) << m.getType();
+      EXPECT_LT(matrixError(product(inv, m), sxMatrix()), 2e-4f) << m.getType();
       // The closed forms agree with the general inverse.
       ASSERT_TRUE(full.invertFull(m));
-      EXPECT_LT(matrixError(inv, full), 1e-4f);
-      // In place.
+      EXPECT_LT(matrixError(inv, full), 1e-4f) << m.getType();
       full = m;
-      full.invert(full);
+      full.invert(full);  // in place
       EXPECT_EQ(full, inv);
     }
   }
@@ -224,7 +210,7 @@ TEST_F(sxMatrixTest, SingularMatrixGivesTheMessageAndTheIdentity) {
   m.set(swap, 0);
   EXPECT_TRUE(r.invert(m));
   EXPECT_EQ(r, m);
-  // A zero column with no zero row meets an exactly zero pivot, which is
+  // A zero column without a zero row meets an exactly zero pivot, which is
   // nudged: no message, and the division goes through.
   const float zeroColumn[16] = {1, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 1};
   m.set(zeroColumn, 0);
@@ -232,8 +218,7 @@ TEST_F(sxMatrixTest, SingularMatrixGivesTheMessageAndTheIdentity) {
   EXPECT_TRUE(r.invert(m));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_GT(std::fabs(r[1][1]), 1e10f);
-  // An affine matrix with a tiny determinant falls back to the general
-  // inverse, which still solves it.
+  // An affine matrix of tiny determinant falls back to the general inverse.
   m = Built().scale(0.01f, 0.02f, 0.03f).thenRot(30, 1, 0, 0).thenTrans(1, 2, 3);
   ASSERT_EQ(m.getType(), sxMatrix::ROTATION | sxMatrix::NONUNIFORM_SCALE | sxMatrix::TRANSLATION);
   ASSERT_TRUE(r.invert(m));

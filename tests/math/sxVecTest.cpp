@@ -20,10 +20,9 @@ double worstRelativeError() {
 
 TEST(sxSqrt, TableErrorIsBoundedByTheIndexBitsAndExactAtPowersOfFour) {
   // The index bits are the mantissa bits that pick an entry within one half.
-  for (const auto& [method, indexBits] : {std::pair(SXSQRT_TABLE_256, 7),
-                                          {SXSQRT_TABLE_1K, 9},
-                                          {SXSQRT_TABLE_4K, 11},
-                                          {SXSQRT_TABLE_16K, 13}}) {
+  const std::pair<SXSQRT_METHOD, int> tables[] = {
+      {SXSQRT_TABLE_256, 7}, {SXSQRT_TABLE_1K, 9}, {SXSQRT_TABLE_4K, 11}, {SXSQRT_TABLE_16K, 13}};
+  for (const auto& [method, indexBits] : tables) {
     sxSetSqrtMethod(method);
     // Truncating the input to k mantissa bits errs by up to 2^-k relative,
     // which the root halves; float rounding adds one unit in the last place.
@@ -32,10 +31,8 @@ TEST(sxSqrt, TableErrorIsBoundedByTheIndexBitsAndExactAtPowersOfFour) {
     EXPECT_LE(worst, bound) << "method " << method;
     // The bound is reached, so the table really has the size named.
     EXPECT_GT(worst, 0.75 * bound) << "method " << method;
-    EXPECT_EQ(sxSqrt(0.0f), 0.0f);
-    EXPECT_EQ(sxSqrt(-0.0f), 0.0f);
-    EXPECT_EQ(sxSqrt(0.25f), 0.5f);
-    EXPECT_EQ(sxSqrt(65536.0f), 256.0f);
+    for (auto [x, root] : {std::pair(0.0f, 0.0f), {-0.0f, 0.0f}, {0.25f, 0.5f}, {65536.0f, 256.0f}})
+      EXPECT_EQ(sxSqrt(x), root) << "method " << method << ", root of " << x;
     // An odd exponent takes the [2, 4) half: sqrt(8) = 2 sqrt(2).
     EXPECT_FLOAT_EQ(sxSqrt(8.0f), 2.0f * sxSqrt(2.0f));
   }
@@ -81,7 +78,6 @@ TEST_F(sxVecTest, NormalizeAndArithmeticAllowAliasing) {
   sxVec4 w(0.0f, 0.0f, 0.0f, 2.0f);
   EXPECT_EQ(w.normalize(), 2.0f);
   EXPECT_EQ(w, sxVec4(0.0f, 0.0f, 0.0f, 1.0f));
-
   sxVec3 a(1.0f, 2.0f, 3.0f), c;
   const sxVec3 b(4.0f, -5.0f, 6.0f);
   EXPECT_EQ(a - b, sxVec3(-3.0f, 7.0f, -3.0f));
@@ -118,7 +114,6 @@ TEST_F(sxVecTest, ApproximationsQuadrantsNormalsAnglesAndLerp) {
   EXPECT_EQ(sxVec2(0.0f, 0.0f).getQuadrant(), sxVec2::QUADRANT_PP);
   EXPECT_EQ(sxVec2(-1.0f, 0.0f).getQuadrant(), sxVec2::QUADRANT_NP);
   EXPECT_EQ(sxVec3(-1.0f, 2.0f, -3.0f).getOctant(), 5);
-
   const sxVec3 tri[3] = {{0, 0, 0}, {0, 2, 0}, {2, 0, 0}};
   sxVec3 n;
   n.makeNormal(tri);
@@ -142,7 +137,6 @@ TEST_F(sxVecTest, HeadingAndPitch) {
   v.setH(90.0f);
   EXPECT_TRUE(v.almostEqual(sxVec3(-1.0f, 0.0f, 0.0f), 1e-6f));
   v.setHP(1e30f, std::numeric_limits<float>::infinity());  // ends, whatever it gives
-
   float h, p;
   sxVec3(0, 1, 0).getHP(h, p);
   EXPECT_FLOAT_EQ(h, 0.0f);
@@ -173,7 +167,6 @@ TEST_F(sxVecTest, TransformsUseRowVectors) {
   h.xform(sxVec4(1, 0, 0, 0), m);
   EXPECT_TRUE(h.almostEqual(sxVec4(0, 1, 0, 0), 1e-6f));
   EXPECT_TRUE((sxVec4(1, 0, 0, 1) * m).almostEqual(sxVec4(10, 21, 30, 1), 1e-5f));
-
   // w = 2 divides; w = 0 divides by +1e-6 instead of failing, and the sign
   // of a tiny w is dropped.
   m.makeIdent();
@@ -235,7 +228,6 @@ TEST_F(sxVecTest, ByteColoursTruncateAndWrap) {
   EXPECT_EQ(c4, sxUByteVec4(0, 255, 0, 127));
   c4.set(1, 2, 3, 260);
   EXPECT_EQ(c4.a, 4);
-
   sxUByteVec3 a(200, 10, 0), b(100, 20, 1);
   EXPECT_EQ(a + b, sxUByteVec3(44, 30, 1));
   EXPECT_EQ(a - b, sxUByteVec3(100, 246, 255));
@@ -253,16 +245,13 @@ TEST(sxInterpTable, FloatLookups) {
   sxFloatInterpTable t, one, none;
   t.add(0.0f, 10.0f);
   t.add(1.0f, 20.0f);
-  EXPECT_FLOAT_EQ(t.get(0.25f), 12.5f);
-  EXPECT_FLOAT_EQ(t.get(5.0f), 20.0f);
   // Before the first key: the last value, deliberately.
-  EXPECT_FLOAT_EQ(t.get(-1.0f), 20.0f);
-  EXPECT_FLOAT_EQ(t.get(0.0f), 10.0f);
+  for (auto [at, value] : {std::pair(0.25f, 12.5f), {5.0f, 20.0f}, {-1.0f, 20.0f}, {0.0f, 10.0f}})
+    EXPECT_FLOAT_EQ(t.get(at), value) << at;
   // Moving forward, backward and forward again all find their segment.
   t.add(2.0f, 40.0f);
-  EXPECT_FLOAT_EQ(t.get(1.5f), 30.0f);
-  EXPECT_FLOAT_EQ(t.get(0.5f), 15.0f);
-  EXPECT_FLOAT_EQ(t.get(1.75f), 35.0f);
+  for (auto [at, value] : {std::pair(1.5f, 30.0f), {0.5f, 15.0f}, {1.75f, 35.0f}})
+    EXPECT_FLOAT_EQ(t.get(at), value) << at;
   one.add(3.0f, 7.0f);
   EXPECT_EQ(one.get(-100.0f), 7.0f);
   EXPECT_EQ(one.get(100.0f), 7.0f);
@@ -290,7 +279,6 @@ TEST(sxInterpTable, InsertionOrderRepeatsAndGrowth) {
   t.set(2, 3.0f, 50.0f);
   EXPECT_EQ(t.getParam(2), 3.0f);
   EXPECT_FLOAT_EQ(t.get(2.0f), 35.0f);
-
   sxFloatInterpTable copy(t);
   t.reset();
   EXPECT_EQ(t.getNum(), 0);
@@ -298,7 +286,6 @@ TEST(sxInterpTable, InsertionOrderRepeatsAndGrowth) {
   t = copy;
   t = t;
   EXPECT_EQ(t.getValue(2), 50.0f);
-
   EXPECT_EQ(sxFloatInterpTable(0).getCapacity(), 1);
   const std::size_t before = sxMemory::getSize();
   {
@@ -320,7 +307,6 @@ TEST(sxInterpTable, VectorsAndOrientations) {
   v4.add(10.0f, sxVec4(1, 1, 1, 1));
   v4.add(20.0f, sxVec4(0, 0, 0, 0));
   EXPECT_EQ(v4.get(12.5f), sxVec4(0.75f, 0.75f, 0.75f, 0.75f));
-
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   sxQuatInterpTable q;
   sxQuat a;
