@@ -31,10 +31,8 @@ float matrixError(const sxMatrix& actual, const sxMatrix& expected) {
 }
 
 // Random transforms of every type group.
-class sxMatrixFactory {
- public:
-  explicit sxMatrixFactory(unsigned seed) : rng(seed) {}
-
+struct sxMatrixFactory {
+  std::mt19937 rng;
   float uniform(float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); }
   sxMatrix rotation() {
     return Built().hpr(uniform(-180, 180), uniform(-85, 85), uniform(-180, 180));
@@ -62,14 +60,11 @@ class sxMatrixFactory {
       all.push_back(product(m, t));
     return all;
   }
-
- private:
-  std::mt19937 rng;
 };
 
 class sxMatrixTest : public sxHardwareSqrtTest {
  protected:
-  sxMatrixFactory make{12345};
+  sxMatrixFactory make{std::mt19937(12345)};
 };
 
 TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
@@ -119,13 +114,12 @@ TEST_F(sxMatrixTest, HeadingPitchRollAndAxisRotations) {
   EXPECT_EQ(m.getType(), sxMatrix::TRANSLATION);
   for (int i = 0; i < 500; ++i) {
     const sxVec3 hpr(make.uniform(-179, 179), make.uniform(-85, 85), make.uniform(-179, 179));
-    SCOPED_TRACE(testing::Message() << hpr.x << " " << hpr.y << " " << hpr.z);
     m.makeHPR(hpr);
     m.getHPR(back);
-    EXPECT_TRUE(back.almostEqual(hpr, 2e-3f));
+    EXPECT_TRUE(back.almostEqual(hpr, 2e-3f)) << hpr.x << " " << hpr.y << " " << hpr.z;
     q.setHPR(hpr);
     q.getHPR(back);
-    EXPECT_TRUE(back.almostEqual(hpr, 2e-3f));
+    EXPECT_TRUE(back.almostEqual(hpr, 2e-3f)) << hpr.x << " " << hpr.y << " " << hpr.z;
     m.getQuat(q);
     h.setQuat(q);
     EXPECT_LT(matrixError(h, m), 1e-5f);
@@ -144,8 +138,7 @@ TEST_F(sxMatrixTest, FastProductsAgreeWithTheFullProduct) {
         r.mult(a, b);
         ASSERT_LT(matrixError(r, referenceProduct(a, b)), 1e-5f);
         // The product's type claims every part that it holds.
-        sxMatrix classified = r;
-        const unsigned int found = classified.identifyType() & ~sxMatrix::IDENTITY;
+        const unsigned int found = sxMatrix(r).identifyType() & ~sxMatrix::IDENTITY;
         EXPECT_TRUE(r.getType() == sxMatrix::IDENTITY || (found & ~r.getType()) == 0);
         // The operands may be the result.
         EXPECT_EQ(sxMatrix(a) *= b, r);
@@ -210,8 +203,8 @@ TEST_F(sxMatrixTest, SingularMatrixGivesTheMessageAndTheIdentity) {
   m.set(swap, 0);
   EXPECT_TRUE(r.invert(m));
   EXPECT_EQ(r, m);
-  // A zero column without a zero row meets an exactly zero pivot, which is
-  // nudged: no message, and the division goes through.
+  // A zero column without a zero row meets an exactly zero pivot: it is
+  // nudged, without a message, and the division goes through.
   const float zeroColumn[16] = {1, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 1};
   m.set(zeroColumn, 0);
   testing::internal::CaptureStdout();
@@ -283,7 +276,7 @@ TEST_F(sxMatrixTest, AlongDirectionProjectionAndReflection) {
   EXPECT_EQ(move, m);
 }
 
-TEST(sxMatrixStack, GrowsByDoublingAndCountsChanges) {
+TEST(sxMatrixStack, GrowsByDoublingCountsChangesAndMatchesTheMatrixOperations) {
   sxMatrixStack s(2);
   // Depth, capacity and change count.
   auto state = [&s] { return std::tuple(s.getDepth(), s.getStackSize(), int{s.getID()}); };
@@ -310,10 +303,8 @@ TEST(sxMatrixStack, GrowsByDoublingAndCountsChanges) {
   for (int i = 0; i < 65536; ++i) w.load(sxMatrix());
   EXPECT_EQ(w.getID(), 0);
   EXPECT_EQ(sxMatrixStack(0).getStackSize(), 1);
-}
-
-TEST(sxMatrixStack, TopOperationsMatchTheMatrixOnes) {
-  sxMatrixStack s(4);
+  // Operations on the top match the matrix ones.
+  s.load(sxMatrix());
   sxMatrix expected;
   s.preTrans(1, 0, 0), expected.preTrans(1, 0, 0);
   s.postRot(30, 0, 1, 0), expected.postRot(30, 0, 1, 0);
@@ -344,52 +335,48 @@ TEST(sxMatrixStack, TopOperationsMatchTheMatrixOnes) {
   EXPECT_EQ(assigned.getTop(), top);
 }
 
-TEST(sxQuat, ProductsFollowTheMatrices) {
-  sxMatrixFactory make(99);
+TEST(sxQuat, ProductsFollowTheMatricesAndSlerpInterpolates) {
+  sxMatrixFactory make{std::mt19937(99)};
+  sxQuat qa, qb, qab, inv, conj;
+  sxMatrix m;
   for (int i = 0; i < 200; ++i) {
     const sxMatrix a = make.rotation(), b = make.rotation();
-    sxQuat qa, qb, qab, inv, conj;
     a.getQuat(qa);
     b.getQuat(qb);
     qab.mult(qa, qb);
-    sxMatrix fromQuat;
-    qab.getMatrix(fromQuat);
-    EXPECT_LT(matrixError(fromQuat, product(a, b)), 1e-5f);
+    qab.getMatrix(m);
+    EXPECT_LT(matrixError(m, product(a, b)), 1e-5f);
     inv.invert(qa);
     EXPECT_TRUE(components(qa * inv).almostEqual(sxVec4(0, 0, 0, 1), 1e-5f));
     conj.conjugate(qa);
     EXPECT_NEAR(conj.dot(inv), 1.0f, 1e-5f);
   }
-  sxQuat q(0.0f, 0.0f, 0.0f, 1.0f);
-  sxMatrix m = make.rotation();
-  q.getMatrix(m);
+  sxQuat unit(0.0f, 0.0f, 0.0f, 1.0f);
+  unit.getMatrix(m);
   EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
-  q *= 2.0f;
-  EXPECT_EQ(q.w, 2.0f);
-  q.getMatrix(m);  // scaled quaternions give the same rotation
+  unit *= 2.0f;
+  EXPECT_EQ(unit.w, 2.0f);
+  m = make.rotation();
+  unit.getMatrix(m);  // scaled quaternions give the same rotation
   EXPECT_EQ(m, sxMatrix());
-}
 
-TEST(sxQuat, Slerp) {
-  sxQuat a, b, r;
-  a.setMatrix(Built().rot(0, 0, 0, 1));
-  b.setMatrix(Built().rot(90, 0, 0, 1));
-  r.slerp(0.5f, a, b);
-  sxMatrix half;
-  r.getMatrix(half);
-  EXPECT_LT(matrixError(half, Built().rot(45, 0, 0, 1)), 1e-6f);
-  r.slerp(1.0f, a, b);
-  EXPECT_NEAR(r.dot(b), 1.0f, 1e-6f);
+  qa.setMatrix(Built().rot(0, 0, 0, 1));
+  qb.setMatrix(Built().rot(90, 0, 0, 1));
+  qab.slerp(0.5f, qa, qb);
+  qab.getMatrix(m);
+  EXPECT_LT(matrixError(m, Built().rot(45, 0, 0, 1)), 1e-6f);
+  qab.slerp(1.0f, qa, qb);
+  EXPECT_NEAR(qab.dot(qb), 1.0f, 1e-6f);
   // The sign flip makes q and -q the same rotation.
   const sxQuat q(0.1f, 0.2f, 0.3f, std::sqrt(1.0f - 0.14f));
-  r.slerp(0.5f, q, sxQuat(-q.x, -q.y, -q.z, -q.w));
-  EXPECT_FLOAT_EQ(r.x, q.x);
-  EXPECT_FLOAT_EQ(r.w, q.w);
+  qab.slerp(0.5f, q, sxQuat(-q.x, -q.y, -q.z, -q.w));
+  EXPECT_FLOAT_EQ(qab.x, q.x);
+  EXPECT_FLOAT_EQ(qab.w, q.w);
   // Nearly equal rotations blend linearly.
-  r.slerp(0.25f, q, sxQuat(q.x + 1e-7f, q.y, q.z, q.w));
-  EXPECT_FLOAT_EQ(r.x, q.x + 0.25e-7f);
-  r.lerp(0.5f, sxQuat(0, 0, 0, 1), sxQuat(1, 0, 0, 0));
-  EXPECT_EQ(components(r), sxVec4(0.5f, 0, 0, 0.5f));
+  qab.slerp(0.25f, q, sxQuat(q.x + 1e-7f, q.y, q.z, q.w));
+  EXPECT_FLOAT_EQ(qab.x, q.x + 0.25e-7f);
+  qab.lerp(0.5f, sxQuat(0, 0, 0, 1), sxQuat(1, 0, 0, 0));
+  EXPECT_EQ(components(qab), sxVec4(0.5f, 0, 0, 0.5f));
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ double worstRelativeError() {
   return worst;
 }
 
-TEST(sxSqrt, TableErrorIsBoundedByTheIndexBitsAndExactAtPowersOfFour) {
+TEST(sxSqrt, TableErrorIsBoundedAndExactAtPowersOfFourAndOtherMethodsKeepIt) {
   // The index bits are the mantissa bits that pick an entry within one half.
   const std::pair<SXSQRT_METHOD, int> tables[] = {
       {SXSQRT_TABLE_256, 7}, {SXSQRT_TABLE_1K, 9}, {SXSQRT_TABLE_4K, 11}, {SXSQRT_TABLE_16K, 13}};
@@ -39,9 +39,7 @@ TEST(sxSqrt, TableErrorIsBoundedByTheIndexBitsAndExactAtPowersOfFour) {
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   EXPECT_LE(worstRelativeError(), std::ldexp(1.0, -24));
   EXPECT_EQ(sxSqrt(0.0f), 0.0f);
-}
-
-TEST(sxSqrt, MethodsOutsideTheTableKeepTheTableInForce) {
+  // Methods outside the table keep the table in force.
   sxSetSqrtMethod(SXSQRT_TABLE_256);
   const float coarse = sxSqrt(1.99f);
   sxSetSqrtMethod(SXSQRT_TABLE_16K);
@@ -50,8 +48,7 @@ TEST(sxSqrt, MethodsOutsideTheTableKeepTheTableInForce) {
   sxSetSqrtMethod(static_cast<SXSQRT_METHOD>(7));
   EXPECT_EQ(sxGetSqrtMethod(), 7);
   EXPECT_EQ(sxSqrt(1.99f), fine);
-  // The hardware method and back to the same size neither frees nor
-  // rebuilds the table, and the values stay the same.
+  // Hardware and back to the same size neither frees nor rebuilds the table.
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   EXPECT_NE(sxSqrt(1.99f), fine);
   sxSetSqrtMethod(SXSQRT_TABLE_16K);
@@ -63,15 +60,13 @@ TEST(sxSqrt, MethodsOutsideTheTableKeepTheTableInForce) {
 class sxVecTest : public sxHardwareSqrtTest {};
 
 TEST_F(sxVecTest, NormalizeAndArithmeticAllowAliasing) {
-  // Too short: zeroed, 0 returned; within 1e-6 of unit square length:
-  // untouched, 1 returned.
+  // Too short: zeroed, 0 returned; within 1e-6 of unit square length: kept, 1.
   sxVec3 tiny(1e-7f, 0.0f, 0.0f), nearUnit(0.0f, 0.0f, 1.0000002f);
   EXPECT_EQ(tiny.normalize(), 0.0f);
   EXPECT_EQ(tiny, sxVec3(0.0f, 0.0f, 0.0f));
   EXPECT_EQ(nearUnit.normalize(), 1.0f);
   EXPECT_EQ(nearUnit.z, 1.0000002f);
-  // The two- and four-component forms zero short vectors but return the
-  // length all the same.
+  // The 2- and 4-component forms zero short vectors but return their length.
   sxVec2 small(1e-7f, 0.0f);
   EXPECT_FLOAT_EQ(small.normalize(), 1e-7f);
   EXPECT_EQ(small, sxVec2(0.0f, 0.0f));
@@ -167,8 +162,7 @@ TEST_F(sxVecTest, TransformsUseRowVectors) {
   h.xform(sxVec4(1, 0, 0, 0), m);
   EXPECT_TRUE(h.almostEqual(sxVec4(0, 1, 0, 0), 1e-6f));
   EXPECT_TRUE((sxVec4(1, 0, 0, 1) * m).almostEqual(sxVec4(10, 21, 30, 1), 1e-5f));
-  // w = 2 divides; w = 0 divides by +1e-6 instead of failing, and the sign
-  // of a tiny w is dropped.
+  // w = 2 divides; w = 0 divides by +1e-6 instead, and a tiny w loses its sign.
   m.makeIdent();
   for (const auto& [w, point, expected] : {std::tuple(2.0f, sxVec3(2, 4, 6), sxVec3(1, 2, 3)),
                                            {0.0f, sxVec3(2e-6f, 0, -1e-6f), sxVec3(2, 0, -1)},
@@ -186,8 +180,7 @@ TEST_F(sxVecTest, ColourSpaceRoundTrip) {
   EXPECT_TRUE(hsv.almostEqual(sxVec4(330.0f, 1.0f, 1.0f, 1.0f), 1e-4f));
   hsv.RGBtoHSV(sxVec4(0.0f, 0.0f, 0.0f, 1.0f));
   EXPECT_EQ(hsv, sxVec4(-1.0f, 0.0f, 0.0f, 1.0f));
-  // No hue is grey, a hue without saturation black; hues beyond 360 write
-  // alpha only.
+  // No hue is grey, a hue without saturation black; past 360 only alpha is set.
   for (const auto& [in, out] :
        {std::pair(sxVec4(-1, 0, 0.4f, 0.5f), sxVec4(0.4f, 0.4f, 0.4f, 0.5f)),
         {sxVec4(120, 0, 0.4f, 0.5f), sxVec4(0, 0, 0, 0.5f)},
@@ -241,8 +234,8 @@ TEST_F(sxVecTest, ByteColoursTruncateAndWrap) {
   EXPECT_FALSE(sxUByteVec3(0, 2, 2).almostEqual(sxUByteVec3(6, 6, 6), 5));
 }
 
-TEST(sxInterpTable, FloatLookups) {
-  sxFloatInterpTable t, one, none;
+TEST(sxInterpTable, FloatLookupsInsertionOrderRepeatsAndGrowth) {
+  sxFloatInterpTable t, one, u;
   t.add(0.0f, 10.0f);
   t.add(1.0f, 20.0f);
   // Before the first key: the last value, deliberately.
@@ -255,37 +248,34 @@ TEST(sxInterpTable, FloatLookups) {
   one.add(3.0f, 7.0f);
   EXPECT_EQ(one.get(-100.0f), 7.0f);
   EXPECT_EQ(one.get(100.0f), 7.0f);
-  EXPECT_EQ(none.get(1.0f), 0.0f);
-}
-
-TEST(sxInterpTable, InsertionOrderRepeatsAndGrowth) {
-  sxFloatInterpTable t;
-  EXPECT_EQ(t.getCapacity(), 2);
-  t.add(2.0f, 40.0f);
-  EXPECT_EQ(t.getCapacity(), 2);
-  t.add(0.0f, 10.0f);
-  EXPECT_EQ(t.getCapacity(), 4);  // the second add reaches the capacity
-  t.add(1.0f, 20.0f);
-  ASSERT_EQ(t.getNum(), 3);
-  EXPECT_EQ(t.getParam(1), 1.0f);
+  EXPECT_EQ(u.get(1.0f), 0.0f);  // empty
+  // Insertion order, repeated keys and growth.
+  EXPECT_EQ(u.getCapacity(), 2);
+  u.add(2.0f, 40.0f);
+  EXPECT_EQ(u.getCapacity(), 2);
+  u.add(0.0f, 10.0f);
+  EXPECT_EQ(u.getCapacity(), 4);  // the second add reaches the capacity
+  u.add(1.0f, 20.0f);
+  ASSERT_EQ(u.getNum(), 3);
+  EXPECT_EQ(u.getParam(1), 1.0f);
   // A repeated key stores into the last entry.
-  t.add(1.0f, 30.0f);
-  ASSERT_EQ(t.getNum(), 3);
-  EXPECT_EQ(t.getValue(1), 20.0f);
-  EXPECT_EQ(t.getValue(2), 30.0f);
-  t.set(5, 9.0f, 9.0f);
-  t.set(-1, 9.0f, 9.0f);
-  EXPECT_EQ(t.getParam(2), 2.0f);
-  t.set(2, 3.0f, 50.0f);
-  EXPECT_EQ(t.getParam(2), 3.0f);
-  EXPECT_FLOAT_EQ(t.get(2.0f), 35.0f);
-  sxFloatInterpTable copy(t);
-  t.reset();
-  EXPECT_EQ(t.getNum(), 0);
+  u.add(1.0f, 30.0f);
+  ASSERT_EQ(u.getNum(), 3);
+  EXPECT_EQ(u.getValue(1), 20.0f);
+  EXPECT_EQ(u.getValue(2), 30.0f);
+  u.set(5, 9.0f, 9.0f);
+  u.set(-1, 9.0f, 9.0f);
+  EXPECT_EQ(u.getParam(2), 2.0f);
+  u.set(2, 3.0f, 50.0f);
+  EXPECT_EQ(u.getParam(2), 3.0f);
+  EXPECT_FLOAT_EQ(u.get(2.0f), 35.0f);
+  sxFloatInterpTable copy(u);
+  u.reset();
+  EXPECT_EQ(u.getNum(), 0);
   EXPECT_FLOAT_EQ(copy.get(2.0f), 35.0f);
-  t = copy;
-  t = t;
-  EXPECT_EQ(t.getValue(2), 50.0f);
+  u = copy;
+  u = u;
+  EXPECT_EQ(u.getValue(2), 50.0f);
   EXPECT_EQ(sxFloatInterpTable(0).getCapacity(), 1);
   const std::size_t before = sxMemory::getSize();
   {

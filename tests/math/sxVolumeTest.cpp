@@ -29,8 +29,7 @@ std::string where(std::initializer_list<int> answers, const char* letters = "OPI
   for (int a : answers) s += letters[a];
   return s;
 }
-// The answers of a.contains(o) for each o, of o.contains(a), of
-// a.intersects(o) and of o.intersects(a).
+// a.contains(o), o.contains(a), a.intersects(o), o.intersects(a) for each o.
 const auto holds = [](const auto& a, const auto&... o) { return where({a.contains(o)...}); };
 const auto heldBy = [](const auto& a, const auto&... o) { return where({o.contains(a)...}); };
 const auto meets = [](const auto& a, const auto&... o) {
@@ -135,8 +134,7 @@ TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
   b.extendAround(sxSphere());
   b.extendAround(sxPlane());
   EXPECT_EQ(span(b), std::pair(v(-2, -1, -1), v(4, 1, 5)));
-  // The box of the transformed corners; a projective matrix goes corner by
-  // corner.
+  // The box of the transformed corners, also for a projective matrix.
   const sxMatrix m = Built().rot(45, 0, 0, 1).thenTrans(10, 0, 0);
   sxMatrix p;
   b = B(v(-1, -1, -1), v(1, 1, 1));
@@ -207,7 +205,7 @@ TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   }
 }
 
-TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
+TEST_F(sxVolumeTest, RaysAgainstVolumesTrianglesAndQuads) {
   sxRay r(v(0, 0, 0), v(0, 0, 3), -1.0f);
   sxVec3 end;
   r.getEndPoint(end);
@@ -255,29 +253,26 @@ TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
   r = R(v(0, 0, 0), v(1, 0, 0), -1.0f);
   r.xform(r, m);
   EXPECT_TRUE(r.isUnbounded());
-}
-
-TEST_F(sxVolumeTest, RaysAgainstTrianglesAndQuads) {
-  const sxVec3 a(0, 0, 0), b(2, 0, 0), c(0, 2, 0), d(2, 2, 0);
+  // Triangles and quadrilaterals in z = 0; a miss leaves the hit point.
+  const sxVec3 a(0, 0, 0), b(2, 0, 0), c(0, 2, 0), d(2, 2, 0), above = v(0.5f, 0.5f, 3);
   sxVec3 hit(9, 9, 9);
-  const sxRay down(v(0.5f, 0.5f, 3), v(0, 0, -1), 5.0f);
-  EXPECT_FLOAT_EQ(down.intersects(a, b, c, hit), 3.0f);
+  EXPECT_FLOAT_EQ(R(above, down, 5).intersects(a, b, c, hit), 3.0f);
   EXPECT_TRUE(hit.almostEqual(v(0.5f, 0.5f, 0), 1e-6f));
   hit.set(9, 9, 9);
-  const sxRay corner(v(1.5f, 1.5f, 3), v(0, 0, -1), 5.0f);
+  const sxRay corner(v(1.5f, 1.5f, 3), down, 5.0f);
   EXPECT_EQ(corner.intersects(a, b, c, hit), -1.0f);
   EXPECT_EQ(hit, v(9, 9, 9));
   EXPECT_FLOAT_EQ(corner.intersects(a, b, d, c, hit), 3.0f);
   EXPECT_TRUE(hit.almostEqual(v(1.5f, 1.5f, 0), 1e-6f));
   // Too short, away, parallel, beside the quadrilateral: -1.
-  EXPECT_EQ(where({R(v(0.5f, 0.5f, 3), v(0, 0, -1), 2.9f).intersects(a, b, c, hit) == -1.0f,
-                   R(v(0.5f, 0.5f, 3), v(0, 0, 1), -1).intersects(a, b, c, hit) == -1.0f,
-                   R(v(0.5f, 0.5f, 3), v(1, 0, 0), -1).intersects(a, b, c, hit) == -1.0f,
-                   R(v(2.5f, 1, 3), v(0, 0, -1), -1).intersects(a, b, d, c, hit) == -1.0f},
+  EXPECT_EQ(where({R(above, down, 2.9f).intersects(a, b, c, hit) == -1.0f,
+                   R(above, up, -1).intersects(a, b, c, hit) == -1.0f,
+                   R(above, east, -1).intersects(a, b, c, hit) == -1.0f,
+                   R(v(2.5f, 1, 3), down, -1).intersects(a, b, d, c, hit) == -1.0f},
                   "01"),
             "1111");
   // The nearer of the two triangles' hits wins for a folded quadrilateral.
-  const sxRay side(v(-1, 0.2f, 0.5f), v(1, 0, 0), -1.0f);
+  const sxRay side(v(-1, 0.2f, 0.5f), east, -1.0f);
   const sxVec3 p0(0, 0, 0), p1(0, 0, 1), p2(2, 1, 1), p3(1, 1, 0);
   const float t = side.intersects(p0, p1, p2, p3, hit);
   EXPECT_GE(t, 0.0f);
