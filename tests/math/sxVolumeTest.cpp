@@ -292,17 +292,18 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
     const sxVolume* disposable = vol->createDisposableCopy(&arena);
     EXPECT_TRUE(disposable && arena.inRange(disposable) && disposable->getType() == vol->getType());
     EXPECT_EQ(vol->createDisposableCopy(nullptr), nullptr);
-    // The generic forms reach the typed ones.
+    // The generic forms reach the typed ones, which the type names.
     for (const auto& w : volumes) {
       const sxVolume& other = *w;
-      auto same = [&](const auto& kind) {
+      auto same = [&](const auto& kind, V::TYPE type) {
+        EXPECT_EQ(other.getType(), type);
         EXPECT_EQ(vol->contains(other), vol->contains(kind));
         EXPECT_EQ(vol->intersects(other), vol->intersects(kind));
       };
-      if (auto* kind = dynamic_cast<const sxPlane*>(&other)) same(*kind);
-      if (auto* kind = dynamic_cast<const sxBox*>(&other)) same(*kind);
-      if (auto* kind = dynamic_cast<const sxSphere*>(&other)) same(*kind);
-      if (auto* kind = dynamic_cast<const sxFrustum*>(&other)) same(*kind);
+      if (auto* kind = dynamic_cast<const sxPlane*>(&other)) same(*kind, V::PLANE);
+      if (auto* kind = dynamic_cast<const sxBox*>(&other)) same(*kind, V::BOX);
+      if (auto* kind = dynamic_cast<const sxSphere*>(&other)) same(*kind, V::SPHERE);
+      if (auto* kind = dynamic_cast<const sxFrustum*>(&other)) same(*kind, V::FRUSTUM);
       EXPECT_TRUE(vol->intersects(other)) << vol->getType() << " " << w->getType();
     }
   }
