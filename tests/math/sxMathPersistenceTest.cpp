@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/sxReferenceMath.h"
+#include "support/sxReferenceScene.h"
 #include "support/sxTestFiles.h"
 
 // The values of the reference math file, one of every mathematical type,
@@ -37,27 +38,20 @@ Bytes bytesOf(const T& value) {
   return m.bytes();
 }
 
-// All values in one entry of a file on disk, written under a coarse square
-// root and read under the hardware one into objects that start out
-// different: the frustum's derived planes and sphere are stored, not
-// rebuilt through sxSqrt.
-TEST(MathPersistence, EveryTypeRoundTripsThroughAFileBitForBit) {
+// The reference file written under a coarse square root and read under the
+// hardware one into objects that start out different: the frustum's derived
+// planes and sphere are stored, not rebuilt through sxSqrt. Without an entry
+// nothing is read or written; cut records never read past their data.
+TEST(MathPersistence, EveryTypeRoundTripsBitForBitAndStaysInBounds) {
   const SXSQRT_METHOD before = sxGetSqrtMethod();
   sxSetSqrtMethod(SXSQRT_TABLE_256);
   const float coarse = sxReference::math::frustum().getBoundingSphere().radius;
   sxTempDir dir;
   const std::string path = dir.file("math.sx");
+  ASSERT_TRUE(sxReference::writeMathFile(path.c_str()));
   std::vector<Bytes> written;
-  {
-    sxFile out;
-    ASSERT_TRUE(out.create(path.c_str()));
-    sxEntry* e = out.newEntry(out.newTag("sxMathTest"));
-    sxReference::eachMathValue([&](const auto& value, const char*) {
-      value.write(e);
-      written.push_back(bytesOf(value));
-    });
-    ASSERT_TRUE(out.write());
-  }
+  sxReference::eachMathValue(
+      [&](const auto& value, const char*) { written.push_back(bytesOf(value)); });
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   ASSERT_NE(sxReference::math::frustum().getBoundingSphere().radius, coarse)
       << "the methods must give different frusta for this test to tell";
@@ -67,20 +61,11 @@ TEST(MathPersistence, EveryTypeRoundTripsThroughAFileBitForBit) {
   ASSERT_TRUE(in.readEntry(loaded));
   std::size_t i = 0;
   sxReference::eachMathValue([&](const auto& value, const char* name) {
-    std::remove_cvref_t<decltype(value)> back{};
+    using T = std::remove_cvref_t<decltype(value)>;
+    T back{}, kept = value;
     ASSERT_NE(bytesOf(back), written[i]) << name;
     back.read(loaded);
     EXPECT_EQ(bytesOf(back), written[i++]) << name;
-  });
-  EXPECT_EQ(loaded->getCursor(), loaded->getDataSize()) << "the readers stop where the writers did";
-  sxSetSqrtMethod(before);
-}
-
-// Without an entry nothing is read or written; cut records never read past
-// their data.
-TEST(MathPersistence, NoEntryOrACutRecordStaysInBounds) {
-  sxReference::eachMathValue([](const auto& value, const char* name) {
-    auto kept = value;
     kept.read(nullptr);
     kept.write(nullptr);
     EXPECT_EQ(bytesOf(kept), bytesOf(value)) << name;
@@ -88,11 +73,12 @@ TEST(MathPersistence, NoEntryOrACutRecordStaysInBounds) {
     value.write(full.entry);
     for (int n = 0; n < full.entry->getDataSize(); ++n) {
       sxEntry* cut = full.cut(n);
-      std::remove_cvref_t<decltype(value)> back{};
-      back.read(cut);
+      T{}.read(cut);
       EXPECT_LE(cut->getCursor(), n) << name << " cut to " << n;
     }
   });
+  EXPECT_EQ(loaded->getCursor(), loaded->getDataSize()) << "the readers stop where the writers did";
+  sxSetSqrtMethod(before);
 }
 
 // Past the end a float reads -1, an int -1 and a bool true: a cut frustum
@@ -118,17 +104,16 @@ TEST(MathPersistence, CutRecordsReadAsEmptyOrGeneral) {
   sxRay ray;
   ray.read(r.cut(24));
   EXPECT_TRUE(ray.isUnbounded());
-  sxMatrix none;
+  sxMatrix none, product;
   none.read(f.cut(0));
   EXPECT_EQ(none.getType(), 0xFFFFFFFFu);
-  sxMatrix product;
   product.mult(none, none);
   EXPECT_EQ(product[0][0], 4.0f) << "the full product, not a short path";
 
+  const float keys[4] = {2.0f, 200.0f, 1.0f, 100.0f};
   for (int count : {INT_MAX, INT_MAX / 8, 3}) {
     MemoryEntry m;
     m.entry->writeInt(count);
-    const float keys[4] = {2.0f, 200.0f, 1.0f, 100.0f};
     m.entry->writeFloats(keys, 4);
     m.entry->reset();
     sxFloatInterpTable t;

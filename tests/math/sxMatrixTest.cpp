@@ -1,26 +1,77 @@
-#include <sx/sxCore.h>
-
-#include <gtest/gtest.h>
+#include <algorithm>
+#include <cmath>
+#include <random>
+#include <tuple>
+#include <vector>
 
 #include "sxMathTestUtil.h"
 
 namespace {
 
-class sxMatrixTest : public testing::Test {
+const auto product = [](sxMatrix a, const sxMatrix& b) { return a *= b; };
+const auto components = [](const sxQuat& q) { return sxVec4(q.x, q.y, q.z, q.w); };
+
+// The plain 4x4 product: element i / 4 sums the terms k = i % 4 in double.
+sxMatrix referenceProduct(const sxMatrix& a, const sxMatrix& b) {
+  double sum[16] = {};
+  for (int i = 0; i < 64; ++i) sum[i / 4] += double{a[i / 16][i % 4]} * b[i % 4][i / 4 % 4];
+  float v[16];
+  for (int e = 0; e < 16; ++e) v[e] = static_cast<float>(sum[e]);
+  return sxMatrix(v, 0);
+}
+
+// Largest element difference relative to max(1, largest expected element).
+float matrixError(const sxMatrix& actual, const sxMatrix& expected) {
+  float diff = 0.0f, size = 1.0f;
+  for (int e = 0; e < 16; ++e) {
+    diff = std::max(diff, std::fabs(actual[e / 4][e % 4] - expected[e / 4][e % 4]));
+    size = std::max(size, std::fabs(expected[e / 4][e % 4]));
+  }
+  return diff / size;
+}
+
+// Random transforms of every type group.
+struct sxMatrixFactory {
+  std::mt19937 rng;
+  float uniform(float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); }
+  sxMatrix rotation() {
+    return Built().hpr(uniform(-180, 180), uniform(-85, 85), uniform(-180, 180));
+  }
+  sxMatrix scale(bool uniformly) {
+    const float s = uniform(0.2f, 5.0f);
+    return Built().scale(s, uniformly ? s : uniform(0.2f, 5.0f),
+                         uniformly ? s : uniform(0.2f, 5.0f));
+  }
+  // A projective matrix with random values everywhere.
+  sxMatrix general() {
+    float v[16];
+    for (float& x : v) x = uniform(-2.0f, 2.0f);
+    v[15] += 3.0f;
+    return sxMatrix(v, 0);
+  }
+  // One matrix of each type group, with the scale variants of each.
+  std::vector<sxMatrix> everyType() {
+    const sxMatrix u = scale(true), n = scale(false), r = rotation();
+    const sxMatrix un = product(u, n), nr = product(n, r), ru = product(r, u);
+    const sxMatrix t = Built().xyz(uniform(-50, 50), uniform(-50, 50), uniform(-50, 50));
+    std::vector<sxMatrix> all = {general(), sxMatrix(), r, ru, nr, product(nr, scale(true)),
+                                 u,         n,          un};
+    for (const sxMatrix& m : {sxMatrix(), r, u, ru, n, nr, un, product(un, r)})
+      all.push_back(product(m, t));
+    return all;
+  }
+};
+
+class sxMatrixTest : public sxHardwareSqrtTest {
  protected:
-  void SetUp() override { sxSetSqrtMethod(SXSQRT_HARDWARE); }
-  sxMatrixFactory make{12345};
+  sxMatrixFactory make{std::mt19937(12345)};
 };
 
 TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
+  EXPECT_EQ(Built().scale(2, 2, 2).identifyType(), sxMatrix::UNIFORM_SCALE);
+  EXPECT_EQ(Built().scale(2, 1, 2).identifyType(), sxMatrix::NONUNIFORM_SCALE);
+  EXPECT_EQ(Built().scale(-1, 1, 1).identifyType(), sxMatrix::ROTATION);  // a mirror
   sxMatrix m;
-  m.makeScale(2.0f, 2.0f, 2.0f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::UNIFORM_SCALE);
-  m.makeScale(2.0f, 1.0f, 2.0f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::NONUNIFORM_SCALE);
-  m.makeScale(-1.0f, 1.0f, 1.0f);  // a mirror counts as a rotation
-  EXPECT_EQ(m.identifyType(), sxMatrix::ROTATION);
-  m.makeIdent();
   m[1][3] = 0.5f;
   EXPECT_EQ(m.identifyType(), sxMatrix::PROJECTIVE);
   // Below the tolerance nothing counts.
@@ -28,66 +79,51 @@ TEST_F(sxMatrixTest, IdentifyTypeClassifiesEachPart) {
   m[0][1] = 5e-7f;
   m[3][2] = -5e-7f;
   EXPECT_EQ(m.identifyType(), sxMatrix::IDENTITY);
-  // With a table root the unit test of step 5 errs by more than the
-  // tolerance, so scaled matrices are also called rotations: a bit too many
-  // costs speed, never correctness.
+  // A table root errs beyond the tolerance of the unit test, so scaled
+  // matrices also count as rotations: that costs speed, never correctness.
   sxSetSqrtMethod(SXSQRT_TABLE_4K);
-  m.makeScale(1.7f, 1.7f, 1.7f);
-  EXPECT_EQ(m.identifyType(), sxMatrix::UNIFORM_SCALE | sxMatrix::ROTATION);
+  EXPECT_EQ(Built().scale(1.7f, 1.7f, 1.7f).identifyType(),
+            sxMatrix::UNIFORM_SCALE | sxMatrix::ROTATION);
   // Construction from values takes a given type as it is.
   const float raw[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1};
   EXPECT_EQ(sxMatrix(raw, sxMatrix::ROTATION).getType(), sxMatrix::ROTATION);
   EXPECT_EQ(sxMatrix(raw, 0).getType(), sxMatrix::TRANSLATION);
 }
 
-TEST_F(sxMatrixTest, HeadingPitchRoll) {
-  sxMatrix m;
-  m.makeHPR(0.0f, 0.0000005f, 0.0f);
-  EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
+TEST_F(sxMatrixTest, HeadingPitchRollAndAxisRotations) {
+  EXPECT_EQ(Built().hpr(0, 5e-7f, 0).getType(), sxMatrix::IDENTITY);
+  EXPECT_EQ(Built().rot(5e-7f, 1, 0, 0).getType(), sxMatrix::IDENTITY);
   // Heading 90 turns the view from +Y to -X, as sxVec3::setH does.
-  m.makeHPR(90.0f, 0.0f, 0.0f);
+  sxMatrix m = Built().hpr(90, 0, 0), h;
   EXPECT_EQ(m.getType(), sxMatrix::ROTATION);
-  sxVec3 dir, expected;
+  sxVec3 dir, expected, back;
+  sxQuat q;
   m.getDirection(dir);
   expected.setH(90.0f);
   EXPECT_TRUE(dir.almostEqual(expected, 1e-6f));
+  // An axis rotation turns the same way as heading.
+  EXPECT_LT(matrixError(Built().rot(35, 0, 0, 1), Built().hpr(35, 0, 0)), 1e-6f);
+  m.makeRot(120.0f, sxVec3(1, 1, 1));
+  dir.xformVec(sxVec3(1, 0, 0), m);
+  EXPECT_TRUE(dir.almostEqual(sxVec3(0, 1, 0), 1e-5f));
   // setHPR keeps the translation.
   m.makeXYZ(1.0f, 2.0f, 3.0f);
   m.setHPR(10.0f, 0.0f, 0.0f);
   EXPECT_EQ(m.getType(), sxMatrix::ROTATION | sxMatrix::TRANSLATION);
   m.setHPR(0.0f, 0.0f, 0.0f);
   EXPECT_EQ(m.getType(), sxMatrix::TRANSLATION);
-
   for (int i = 0; i < 500; ++i) {
     const sxVec3 hpr(make.uniform(-179, 179), make.uniform(-85, 85), make.uniform(-179, 179));
     m.makeHPR(hpr);
-    sxVec3 back;
     m.getHPR(back);
     EXPECT_TRUE(back.almostEqual(hpr, 2e-3f)) << hpr.x << " " << hpr.y << " " << hpr.z;
-    sxQuat q;
     q.setHPR(hpr);
     q.getHPR(back);
     EXPECT_TRUE(back.almostEqual(hpr, 2e-3f)) << hpr.x << " " << hpr.y << " " << hpr.z;
-    sxMatrix fromQuat;
     m.getQuat(q);
-    fromQuat.setQuat(q);
-    EXPECT_LT(sxMatrixError(fromQuat, m), 1e-5f);
+    h.setQuat(q);
+    EXPECT_LT(matrixError(h, m), 1e-5f);
   }
-}
-
-TEST_F(sxMatrixTest, RotationAboutAnAxis) {
-  sxMatrix m;
-  sxVec3 v;
-  m.makeRot(120.0f, sxVec3(1, 1, 1));
-  v.xformVec(sxVec3(1, 0, 0), m);
-  EXPECT_TRUE(v.almostEqual(sxVec3(0, 1, 0), 1e-5f));
-  m.makeRot(5e-7f, 1.0f, 0.0f, 0.0f);
-  EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
-  // The same sense as heading.
-  sxMatrix h;
-  h.makeHPR(35.0f, 0.0f, 0.0f);
-  m.makeRot(35.0f, 0.0f, 0.0f, 1.0f);
-  EXPECT_LT(sxMatrixError(m, h), 1e-6f);
 }
 
 // Every pair of type groups goes through its own path; all must agree with
@@ -97,21 +133,16 @@ TEST_F(sxMatrixTest, FastProductsAgreeWithTheFullProduct) {
     const std::vector<sxMatrix> all = make.everyType();
     for (const sxMatrix& a : all) {
       for (const sxMatrix& b : all) {
+        SCOPED_TRACE(testing::Message() << a.getType() << " by " << b.getType());
         sxMatrix r;
         r.mult(a, b);
-        const sxMatrix expected = sxReferenceProduct(a, b);
-        ASSERT_LT(sxMatrixError(r, expected), 1e-5f) << a.getType() << " by " << b.getType();
+        ASSERT_LT(matrixError(r, referenceProduct(a, b)), 1e-5f);
         // The product's type claims every part that it holds.
-        sxMatrix classified = r;
-        const unsigned int found = classified.identifyType() & ~sxMatrix::IDENTITY;
-        if (r.getType() != sxMatrix::IDENTITY) {
-          EXPECT_EQ(found & ~r.getType(), 0u) << a.getType() << " by " << b.getType();
-        }
+        const unsigned int found = sxMatrix(r).identifyType() & ~sxMatrix::IDENTITY;
+        EXPECT_TRUE(r.getType() == sxMatrix::IDENTITY || (found & ~r.getType()) == 0);
         // The operands may be the result.
-        sxMatrix alias = a;
-        alias.postMult(b);
-        EXPECT_EQ(alias, r);
-        alias = b;
+        EXPECT_EQ(sxMatrix(a) *= b, r);
+        sxMatrix alias = b;
         alias.preMult(a);
         EXPECT_EQ(alias, r);
       }
@@ -124,49 +155,35 @@ TEST_F(sxMatrixTest, ProductEdgeCases) {
   sxMatrix r;
   r.mult(sxMatrix(), b);
   EXPECT_EQ(r, b);
-  sxMatrix t1;
-  t1.makeXYZ(1, 2, 3);
   // An unknown operand leaves the product's type to identification.
-  sxMatrix unknown = t1;
+  sxMatrix unknown = Built().xyz(1, 2, 3);
   unknown.setType(sxMatrix::UNKNOWN);
-  sxMatrix rot = make.rotation();
-  r.mult(rot, unknown);
+  r.mult(make.rotation(), unknown);
   EXPECT_EQ(r.getType(), sxMatrix::ROTATION | sxMatrix::TRANSLATION);
   // pre and post forms of the builders.
-  r.makeIdent();
-  r.postTrans(1, 0, 0);
-  r.postRot(90, 0, 0, 1);
-  r.postScale(2, 2, 2);
-  sxVec3 p;
-  p.xformPt(sxVec3(0, 0, 0), r);
-  EXPECT_TRUE(p.almostEqual(sxVec3(0, 2, 0), 1e-5f));
+  r = Built().thenTrans(1, 0, 0).thenRot(90, 0, 0, 1).thenScale(2, 2, 2);
+  EXPECT_TRUE((sxVec3(0, 0, 0) * r).almostEqual(sxVec3(0, 2, 0), 1e-5f));
   r.makeIdent();
   r.preTrans(1, 0, 0);
   r.preRot(90, 0, 0, 1);
   r.preScale(2, 2, 2);
-  p.xformPt(sxVec3(0, 0, 0), r);
-  EXPECT_TRUE(p.almostEqual(sxVec3(1, 0, 0), 1e-5f));
+  EXPECT_TRUE((sxVec3(0, 0, 0) * r).almostEqual(sxVec3(1, 0, 0), 1e-5f));
 }
 
 TEST_F(sxMatrixTest, InverseTimesMatrixIsTheIdentity) {
   for (int round = 0; round < 50; ++round) {
     for (const sxMatrix& m : make.everyType()) {
-      sxMatrix inv;
+      sxMatrix inv, full;
       ASSERT_TRUE(inv.invert(m)) << m.getType();
       EXPECT_EQ(inv.getType(), m.getType());
-      sxMatrix product;
-      product.mult(m, inv);
-      EXPECT_LT(sxMatrixError(product, sxMatrix()), 2e-4f) << m.getType();
-      product.mult(inv, m);
-      EXPECT_LT(sxMatrixError(product, sxMatrix()), 2e-4f) << m.getType();
+      EXPECT_LT(matrixError(product(m, inv), sxMatrix()), 2e-4f) << m.getType();
+      EXPECT_LT(matrixError(product(inv, m), sxMatrix()), 2e-4f) << m.getType();
       // The closed forms agree with the general inverse.
-      sxMatrix full;
       ASSERT_TRUE(full.invertFull(m));
-      EXPECT_LT(sxMatrixError(inv, full), 1e-4f) << m.getType();
-      // In place.
-      sxMatrix self = m;
-      self.invert(self);
-      EXPECT_EQ(self, inv);
+      EXPECT_LT(matrixError(inv, full), 1e-4f) << m.getType();
+      full = m;
+      full.invert(full);  // in place
+      EXPECT_EQ(full, inv);
     }
   }
 }
@@ -186,26 +203,19 @@ TEST_F(sxMatrixTest, SingularMatrixGivesTheMessageAndTheIdentity) {
   m.set(swap, 0);
   EXPECT_TRUE(r.invert(m));
   EXPECT_EQ(r, m);
-  // A zero column with no zero row meets an exactly zero pivot, which is
-  // nudged: no message, and the division goes through.
+  // A zero column without a zero row meets an exactly zero pivot: it is
+  // nudged, without a message, and the division goes through.
   const float zeroColumn[16] = {1, 0, 0, 0, 1, 0, 1, 0, 0, 0, 1, 1, 0, 0, 0, 1};
   m.set(zeroColumn, 0);
   testing::internal::CaptureStdout();
   EXPECT_TRUE(r.invert(m));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
   EXPECT_GT(std::fabs(r[1][1]), 1e10f);
-  // An affine matrix with a tiny determinant falls back to the general
-  // inverse, which still solves it.
-  sxMatrix tiny;
-  tiny.makeScale(0.01f, 0.02f, 0.03f);
-  tiny.postRot(30, 1, 0, 0);
-  tiny.postTrans(1, 2, 3);
-  ASSERT_EQ(tiny.getType(),
-            sxMatrix::ROTATION | sxMatrix::NONUNIFORM_SCALE | sxMatrix::TRANSLATION);
-  ASSERT_TRUE(r.invert(tiny));
-  sxMatrix product;
-  product.mult(tiny, r);
-  EXPECT_LT(sxMatrixError(product, sxMatrix()), 1e-4f);
+  // An affine matrix of tiny determinant falls back to the general inverse.
+  m = Built().scale(0.01f, 0.02f, 0.03f).thenRot(30, 1, 0, 0).thenTrans(1, 2, 3);
+  ASSERT_EQ(m.getType(), sxMatrix::ROTATION | sxMatrix::NONUNIFORM_SCALE | sxMatrix::TRANSLATION);
+  ASSERT_TRUE(r.invert(m));
+  EXPECT_LT(matrixError(product(m, r), sxMatrix()), 1e-4f);
 }
 
 TEST_F(sxMatrixTest, RowsColumnsAndTranspose) {
@@ -227,53 +237,146 @@ TEST_F(sxMatrixTest, RowsColumnsAndTranspose) {
   EXPECT_EQ(t[3][2], 0.5f);
   t.transpose();
   EXPECT_EQ(t, m);
-  sxMatrix sum;
-  sum.add(m, m);
-  sum.sub(sum, m);
-  EXPECT_EQ(sum, m);
+  t.add(m, m);
+  t.sub(t, m);
+  EXPECT_EQ(t, m);
 }
 
 TEST_F(sxMatrixTest, AlongDirectionProjectionAndReflection) {
-  sxMatrix m, hpr;
+  sxMatrix m, inv;
   sxVec3 dir;
   for (int i = 0; i < 100; ++i) {
     const float h = make.uniform(-170, 170), p = make.uniform(-80, 80);
     dir.setHP(h, p);
     m.makeAlongDirection(dir * 3.0f);
-    hpr.makeHPR(h, p, 0.0f);
-    EXPECT_LT(sxMatrixError(m, hpr), 1e-5f);
+    EXPECT_LT(matrixError(m, Built().hpr(h, p, 0)), 1e-5f);
   }
   // Straight up: Z is no help, the X axis is kept.
   m.makeAlongDirection(sxVec3(0, 0, 2));
-  hpr.makeHPR(0.0f, 90.0f, 0.0f);
-  EXPECT_LT(sxMatrixError(m, hpr), 1e-6f);
+  EXPECT_LT(matrixError(m, Built().hpr(0, 90, 0)), 1e-6f);
   // With another up vector the +Z axis leans toward it.
   m.makeAlongDirection(sxVec3(1, 0, 0), sxVec3(0, 1, 0));
-  sxVec3 z;
-  m.getRow(2, z);
-  EXPECT_TRUE(z.almostEqual(sxVec3(0, 1, 0), 1e-6f));
+  m.getRow(2, dir);
+  EXPECT_TRUE(dir.almostEqual(sxVec3(0, 1, 0), 1e-6f));
   m.makeAlongDirection(sxVec3(0, 0, 0));
   EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
-
   // Shadows on the ground from a light at (0, 0, 10).
-  const sxPlane ground(sxVec3(0, 0, 1), 0.0f);
-  m.makeProjection(ground, sxVec3(0, 0, 10));
-  sxVec3 s;
-  s.fullXformPt(sxVec3(1, 2, 5), m);
-  EXPECT_TRUE(s.almostEqual(sxVec3(2, 4, 0), 1e-5f));
-
+  m.makeProjection(sxPlane(sxVec3(0, 0, 1), 0.0f), sxVec3(0, 0, 10));
+  dir.fullXformPt(sxVec3(1, 2, 5), m);
+  EXPECT_TRUE(dir.almostEqual(sxVec3(2, 4, 0), 1e-5f));
   // Mirror in the plane z = 1 after a translation.
-  sxMatrix move;
-  move.makeXYZ(1, 0, 0);
+  sxMatrix move = Built().xyz(1, 0, 0);
   m.makeReflection(move, sxPlane(sxVec3(0, 0, 1), 1.0f));
-  s.xformPt(sxVec3(0, 0, 3), m);
-  EXPECT_TRUE(s.almostEqual(sxVec3(1, 0, -1), 1e-6f));
-  sxMatrix inv;
+  dir.xformPt(sxVec3(0, 0, 3), m);
+  EXPECT_TRUE(dir.almostEqual(sxVec3(1, 0, -1), 1e-6f));
   inv.invert(m);
-  s.xformPt(s, inv);
-  EXPECT_TRUE(s.almostEqual(sxVec3(0, 0, 3), 1e-5f));
+  dir.xformPt(dir, inv);
+  EXPECT_TRUE(dir.almostEqual(sxVec3(0, 0, 3), 1e-5f));
   move.makeReflection(move, sxPlane(sxVec3(0, 0, 1), 1.0f));
   EXPECT_EQ(move, m);
+}
+
+TEST(sxMatrixStack, GrowsByDoublingCountsChangesAndMatchesTheMatrixOperations) {
+  sxMatrixStack s(2);
+  // Depth, capacity and change count.
+  auto state = [&s] { return std::tuple(s.getDepth(), s.getStackSize(), int{s.getID()}); };
+  EXPECT_EQ(state(), std::tuple(0, 2, 0));
+  s.postTrans(1, 2, 3);
+  s.push();
+  EXPECT_EQ(state(), std::tuple(1, 2, 2));
+  s.push();  // grows (one change) and pushes (another)
+  EXPECT_EQ(state(), std::tuple(2, 4, 4));
+  sxVec3 xyz;
+  s.getTop().getXYZ(xyz);
+  EXPECT_EQ(xyz, sxVec3(1, 2, 3));
+  s.pop();
+  s.pop();
+  s.pop();  // at the bottom: nothing, not even the ID
+  EXPECT_EQ(state(), std::tuple(0, 4, 6));
+  for (int i = 0; i < 40; ++i) s.pushIdent();
+  EXPECT_EQ(state(), std::tuple(40, 64, 50));
+  EXPECT_EQ(s.getTop(), sxMatrix());
+  s.reset();
+  EXPECT_EQ(s.getDepth(), 0);
+  // The ID wraps at 16 bits.
+  sxMatrixStack w(1);
+  for (int i = 0; i < 65536; ++i) w.load(sxMatrix());
+  EXPECT_EQ(w.getID(), 0);
+  EXPECT_EQ(sxMatrixStack(0).getStackSize(), 1);
+  // Operations on the top match the matrix ones.
+  s.load(sxMatrix());
+  sxMatrix expected;
+  s.preTrans(1, 0, 0), expected.preTrans(1, 0, 0);
+  s.postRot(30, 0, 1, 0), expected.postRot(30, 0, 1, 0);
+  s.preScale(2, 3, 4), expected.preScale(2, 3, 4);
+  s.postScale(1, 1, 2), expected.postScale(1, 1, 2);
+  s.preRot(10, 1, 0, 0), expected.preRot(10, 1, 0, 0);
+  s.postTrans(0, 5, 0), expected.postTrans(0, 5, 0);
+  EXPECT_EQ(s.getTop(), expected);
+  const sxMatrix m = Built().hpr(10, 20, 30);
+  s.pushMult(m);
+  EXPECT_EQ(s.getTop(), product(expected, m));
+  s.pushLoad(m);
+  EXPECT_EQ(s.getTop(), m);
+  s.preMult(expected);
+  EXPECT_EQ(s.getTop(), product(expected, m));
+  s.postMult(m);
+  const sxMatrix top = product(product(expected, m), m);
+  EXPECT_EQ(s.getTop(), top);
+  EXPECT_EQ(s.getDepth(), 2);
+  // Copies are deep.
+  sxMatrixStack copy(s), assigned(1);
+  copy.pop();
+  copy.load(sxMatrix());
+  EXPECT_EQ(s.getTop(), top);
+  EXPECT_EQ(copy.getDepth(), 1);
+  assigned = s;
+  EXPECT_EQ(assigned.getDepth(), 2);
+  EXPECT_EQ(assigned.getTop(), top);
+}
+
+TEST(sxQuat, ProductsFollowTheMatricesAndSlerpInterpolates) {
+  sxMatrixFactory make{std::mt19937(99)};
+  sxQuat qa, qb, qab, inv, conj;
+  sxMatrix m;
+  for (int i = 0; i < 200; ++i) {
+    const sxMatrix a = make.rotation(), b = make.rotation();
+    a.getQuat(qa);
+    b.getQuat(qb);
+    qab.mult(qa, qb);
+    qab.getMatrix(m);
+    EXPECT_LT(matrixError(m, product(a, b)), 1e-5f);
+    inv.invert(qa);
+    EXPECT_TRUE(components(qa * inv).almostEqual(sxVec4(0, 0, 0, 1), 1e-5f));
+    conj.conjugate(qa);
+    EXPECT_NEAR(conj.dot(inv), 1.0f, 1e-5f);
+  }
+  sxQuat unit(0.0f, 0.0f, 0.0f, 1.0f);
+  unit.getMatrix(m);
+  EXPECT_EQ(m.getType(), sxMatrix::IDENTITY);
+  unit *= 2.0f;
+  EXPECT_EQ(unit.w, 2.0f);
+  m = make.rotation();
+  unit.getMatrix(m);  // scaled quaternions give the same rotation
+  EXPECT_EQ(m, sxMatrix());
+
+  qa.setMatrix(Built().rot(0, 0, 0, 1));
+  qb.setMatrix(Built().rot(90, 0, 0, 1));
+  qab.slerp(0.5f, qa, qb);
+  qab.getMatrix(m);
+  EXPECT_LT(matrixError(m, Built().rot(45, 0, 0, 1)), 1e-6f);
+  qab.slerp(1.0f, qa, qb);
+  EXPECT_NEAR(qab.dot(qb), 1.0f, 1e-6f);
+  // The sign flip makes q and -q the same rotation.
+  const sxQuat q(0.1f, 0.2f, 0.3f, std::sqrt(1.0f - 0.14f));
+  qab.slerp(0.5f, q, sxQuat(-q.x, -q.y, -q.z, -q.w));
+  EXPECT_FLOAT_EQ(qab.x, q.x);
+  EXPECT_FLOAT_EQ(qab.w, q.w);
+  // Nearly equal rotations blend linearly.
+  qab.slerp(0.25f, q, sxQuat(q.x + 1e-7f, q.y, q.z, q.w));
+  EXPECT_FLOAT_EQ(qab.x, q.x + 0.25e-7f);
+  qab.lerp(0.5f, sxQuat(0, 0, 0, 1), sxQuat(1, 0, 0, 0));
+  EXPECT_EQ(components(qab), sxVec4(0.5f, 0, 0, 0.5f));
 }
 
 }  // namespace

@@ -1,56 +1,48 @@
-#include <sx/sxCore.h>
-
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cmath>
 #include <initializer_list>
+#include <limits>
 #include <memory>
+#include <random>
 #include <string>
 #include <utility>
+#include <vector>
+
+#include "sxMathTestUtil.h"
 
 namespace {
 
 using V = sxVolume;
-constexpr V::CONTAINMENT IN = V::INSIDE, PART = V::PARTIAL, OUT = V::OUTSIDE;
 
-// Short constructors, so that a table holds a case a line or two a line.
-sxVec3 v(float x, float y, float z) {
-  return sxVec3(x, y, z);
-}
-sxSphere S(float x, float y, float z, float r) {
-  return sxSphere(v(x, y, z), r);
-}
-sxBox B(const sxVec3& lo, const sxVec3& hi) {
-  return sxBox(lo, hi);
-}
-sxPlane P(float x, float y, float z, float offset) {
-  return sxPlane(v(x, y, z), offset);
-}
-sxRay R(const sxVec3& start, const sxVec3& dir, float length) {
-  return sxRay(start, dir, length);
-}
+// Short constructors, so that a table holds a case or two a line.
+const auto v = [](float x, float y, float z) { return sxVec3(x, y, z); };
+const auto S = [](float x, float y, float z, float r) { return sxSphere(sxVec3(x, y, z), r); };
+const auto P = [](float x, float y, float z, float d) { return sxPlane(sxVec3(x, y, z), d); };
+using B = sxBox;
+using R = sxRay;
+const auto span = [](const sxBox& b) { return std::pair(b.getMin(), b.getMax()); };
 
 // A run of answers as one letter each, to compare with a row of expected
-// letters: Outside, Partial, Inside; 0 and 1 for yes and no.
-std::string where(std::initializer_list<V::CONTAINMENT> answers) {
+// letters: Outside, Partial, Inside for containment; 0 and 1 for yes and no.
+std::string where(std::initializer_list<int> answers, const char* letters = "OPI") {
   std::string s;
-  for (V::CONTAINMENT c : answers) s += "OPI"[c];
+  for (int a : answers) s += letters[a];
   return s;
 }
-std::string yes(std::initializer_list<bool> answers) {
-  std::string s;
-  for (bool b : answers) s += b ? '1' : '0';
-  return s;
-}
+// a.contains(o), o.contains(a), a.intersects(o), o.intersects(a) for each o.
+const auto holds = [](const auto& a, const auto&... o) { return where({a.contains(o)...}); };
+const auto heldBy = [](const auto& a, const auto&... o) { return where({o.contains(a)...}); };
+const auto meets = [](const auto& a, const auto&... o) {
+  return where({a.intersects(o)...}, "01");
+};
+const auto met = [](const auto& a, const auto&... o) { return where({o.intersects(a)...}, "01"); };
 
-class sxVolumeTest : public testing::Test {
+class sxVolumeTest : public sxHardwareSqrtTest {
  protected:
-  void SetUp() override { sxSetSqrtMethod(SXSQRT_HARDWARE); }
   const sxBox unitBox{v(0, 0, 0), v(1, 1, 1)};
 };
 
-TEST_F(sxVolumeTest, SphereGrowsAndContains) {
+TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
   sxSphere s;
   EXPECT_TRUE(s.isEmpty());
   for (const auto& [point, after] : {std::pair(v(1, 2, 3), S(1, 2, 3, 0)),
@@ -63,78 +55,63 @@ TEST_F(sxVolumeTest, SphereGrowsAndContains) {
   s.setRadius(-3.0f);
   EXPECT_EQ(s.radius, 0.0f);
   EXPECT_FALSE(s.isEmpty());
-  const sxSphere unit = S(0, 0, 0, 1);
-  EXPECT_LE(unit, S(9, 9, 9, 1));
-  EXPECT_GE(unit, S(9, 9, 9, 0.5f));
-  // Strict for spheres; boxes by their corners, or no point within; a
-  // sphere never holds a half space.
-  EXPECT_EQ(where({unit.contains(v(1, 0, 0)), unit.contains(v(1, 0.001f, 0)),
-                   unit.contains(S(2.0001f, 0, 0, 1)), unit.contains(S(0.5f, 0, 0, 0.4f)),
-                   unit.contains(S(0.5f, 0, 0, 0.5f)), unit.contains(S(0, 0, 0, 2)),
-                   unit.contains(B(v(-0.5f, -0.5f, -0.5f), v(0.5f, 0.5f, 0.5f))),
-                   unit.contains(B(v(-0.6f, -0.6f, -0.6f), v(0.6f, 0.6f, 0.6f))),
-                   unit.contains(B(v(0.8f, 0.8f, 0), v(2, 2, 1))),
-                   unit.contains(B(v(0.7f, 0.7f, 0), v(2, 2, 1))), unit.contains(sxBox()),
-                   unit.contains(P(0, 0, 1, -1)), unit.contains(P(0, 0, 1, -1.01f))}),
-            "IOOIPPIPOPOPO");
-}
-
-TEST_F(sxVolumeTest, SphereExtendsAroundOtherVolumes) {
-  sxSphere s = S(0, 0, 0, 1);
-  s.extendAround(S(4, 0, 0, 1));
-  EXPECT_FLOAT_EQ(s.radius, 3.0f);
-  s.extendAround(S(1, 0, 0, 0.5f));  // inside
-  EXPECT_FLOAT_EQ(s.radius, 3.0f);
-  s.extendAround(S(1, 0, 0, 10));  // swallows it
-  EXPECT_EQ(s, S(1, 0, 0, 10));
-  s.extendAround(sxSphere());
-  EXPECT_EQ(s.radius, 10.0f);
-  sxSphere empty;
-  empty.extendAround(S(1, 1, 1, 2));
-  EXPECT_EQ(empty, S(1, 1, 1, 2));
+  // Around another sphere, one inside, one that swallows it and an empty one.
+  s = S(0, 0, 0, 1);
+  for (const auto& [other, after] : {std::pair(S(4, 0, 0, 1), S(2, 0, 0, 3)),
+                                     {S(1, 0, 0, 0.5f), S(2, 0, 0, 3)},
+                                     {S(1, 0, 0, 10), S(1, 0, 0, 10)},
+                                     {sxSphere(), S(1, 0, 0, 10)}}) {
+    s.extendAround(other);
+    EXPECT_EQ(s, after);
+  }
   sxSphere around;
+  around.extendAround(S(1, 1, 1, 2));
+  EXPECT_EQ(around, S(1, 1, 1, 2));
+  around.makeEmpty();
   around.extendAround(unitBox);
   for (int corner = 0; corner < 8; ++corner)
     EXPECT_LE(around.center.distance(unitBox.cornerOf(corner)), around.radius * 1.00001f);
   around.makeEmpty();
-  around.extendAround(sxRay(v(0, 0, 0), v(0, 0, 4)));
+  around.extendAround(R(v(0, 0, 0), v(0, 0, 4)));
   EXPECT_EQ(around, S(0, 0, 2, 2));
   const sxVec3 points[3] = {{0, 0, 0}, {2, 0, 0}, {1, 0, 0}};
   around.makeEmpty();
   static_cast<sxVolume&>(around).extendAround(points, 3);
   EXPECT_EQ(around, S(1, 0, 0, 1));
-}
-
-TEST_F(sxVolumeTest, SphereTransform) {
-  sxSphere s = S(1, 0, 0, 2);
-  sxMatrix m;
-  s.xform(m);
+  const sxSphere unit = S(0, 0, 0, 1);
+  EXPECT_LE(unit, S(9, 9, 9, 1));
+  EXPECT_GE(unit, S(9, 9, 9, 0.5f));
+  // Strict for spheres; boxes by their corners, or no point within; a
+  // sphere never holds a half space.
+  EXPECT_EQ(
+      holds(unit, v(1, 0, 0), v(1, 0.001f, 0), S(2.0001f, 0, 0, 1), S(0.5f, 0, 0, 0.4f),
+            S(0.5f, 0, 0, 0.5f), S(0, 0, 0, 2), B(v(-0.5f, -0.5f, -0.5f), v(0.5f, 0.5f, 0.5f)),
+            B(v(-0.6f, -0.6f, -0.6f), v(0.6f, 0.6f, 0.6f)), B(v(0.8f, 0.8f, 0), v(2, 2, 1)),
+            B(v(0.7f, 0.7f, 0), v(2, 2, 1)), sxBox(), P(0, 0, 1, -1), P(0, 0, 1, -1.01f)),
+      "IOOIPPIPOPOPO");
+  // Only the Z axis measures the scale; an empty sphere stays empty.
+  s = S(1, 0, 0, 2);
+  s.xform(sxMatrix());
   EXPECT_EQ(s, S(1, 0, 0, 2));
-  m.makeRot(90, 0, 0, 1);
-  m.postTrans(0, 0, 5);
-  s.xform(m);
+  s.xform(Built().rot(90, 0, 0, 1).thenTrans(0, 0, 5));
   EXPECT_TRUE(s.center.almostEqual(v(0, 1, 5), 1e-6f));
   EXPECT_EQ(s.radius, 2.0f);
-  m.makeScale(3, 3, 3);
-  s.xform(m);
+  s.xform(Built().scale(3, 3, 3));
   EXPECT_FLOAT_EQ(s.radius, 6.0f);
-  m.makeScale(10, 10, 1);  // only the Z axis measures the scale
-  s.xform(m);
+  s.xform(Built().scale(10, 10, 1));
   EXPECT_FLOAT_EQ(s.radius, 6.0f);
-  sxSphere empty;
-  m.makeScale(2, 2, 2);
-  empty.xform(m);
-  EXPECT_TRUE(empty.isEmpty());
+  around.makeEmpty();
+  around.xform(Built().scale(10, 10, 1));
+  EXPECT_TRUE(around.isEmpty());
 }
 
-TEST_F(sxVolumeTest, BoxBasics) {
+TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
   sxBox b;
   EXPECT_TRUE(b.isEmpty());
   b.extendAround(v(1, 2, 3));
   EXPECT_EQ(b.getMax(), v(1, 2, 3));
   b.extendAround(v(-1, 5, 3));
-  EXPECT_EQ(b.getMin(), v(-1, 2, 3));
-  EXPECT_EQ(b.getMax(), v(1, 5, 3));
+  EXPECT_EQ(span(b), std::pair(v(-1, 2, 3), v(1, 5, 3)));
   sxVec3 corner(7, 7, 7);
   const sxBox box = B(v(0, 1, 2), v(3, 4, 5));
   box.getCorner(sxVec3::OCTANT_PPP, corner);
@@ -144,46 +121,37 @@ TEST_F(sxVolumeTest, BoxBasics) {
   EXPECT_EQ(corner, v(0, 4, 2));
   box.getCenter(corner);
   EXPECT_EQ(corner, v(1.5f, 2.5f, 3.5f));
-  EXPECT_EQ(where({unitBox.contains(v(1, 1, 1)), unitBox.contains(v(1, 1, 1.0001f)),
-                   unitBox.contains(B(v(0, 0, 0), v(1, 1, 1))),
-                   unitBox.contains(B(v(1, 1, 1), v(2, 2, 2))),
-                   unitBox.contains(B(v(1.1f, 0, 0), v(2, 1, 1))),
-                   unitBox.contains(S(0.5f, 0.5f, 0.5f, 0.5f)), unitBox.contains(S(2, 2, 2, 1.74f)),
-                   unitBox.contains(S(2, 2, 2, 1.72f)), unitBox.contains(P(1, 0, 0, 0)),
-                   unitBox.contains(P(1, 0, 0, -0.1f))}),
-            "IOIPOIPOPO");
-  sxBox grown = unitBox;
-  grown.extendAround(S(3, 0, 0, 1));
-  EXPECT_EQ(grown.getMax(), v(4, 1, 1));
-  grown.extendAround(B(v(-2, 0, 0), v(0, 0, 5)));
-  grown.extendAround(sxBox());
-  grown.extendAround(sxSphere());
-  grown.extendAround(sxPlane());
-  EXPECT_EQ(grown.getMin(), v(-2, -1, -1));
-  EXPECT_EQ(grown.getMax(), v(4, 1, 5));
-}
-
-TEST_F(sxVolumeTest, BoxTransformIsTheBoxOfTheCorners) {
-  sxMatrix m;
-  m.makeRot(45, 0, 0, 1);
-  m.postTrans(10, 0, 0);
-  sxBox b = B(v(-1, -1, -1), v(1, 1, 1));
+  EXPECT_EQ(
+      holds(unitBox, v(1, 1, 1), v(1, 1, 1.0001f), B(v(0, 0, 0), v(1, 1, 1)),
+            B(v(1, 1, 1), v(2, 2, 2)), B(v(1.1f, 0, 0), v(2, 1, 1)), S(0.5f, 0.5f, 0.5f, 0.5f),
+            S(2, 2, 2, 1.74f), S(2, 2, 2, 1.72f), P(1, 0, 0, 0), P(1, 0, 0, -0.1f)),
+      "IOIPOIPOPO");
+  b = unitBox;
+  b.extendAround(S(3, 0, 0, 1));
+  EXPECT_EQ(b.getMax(), v(4, 1, 1));
+  b.extendAround(B(v(-2, 0, 0), v(0, 0, 5)));
+  b.extendAround(sxBox());
+  b.extendAround(sxSphere());
+  b.extendAround(sxPlane());
+  EXPECT_EQ(span(b), std::pair(v(-2, -1, -1), v(4, 1, 5)));
+  // The box of the transformed corners, also for a projective matrix.
+  const sxMatrix m = Built().rot(45, 0, 0, 1).thenTrans(10, 0, 0);
+  sxMatrix p;
+  b = B(v(-1, -1, -1), v(1, 1, 1));
   b.xform(m);
   const float r = std::sqrt(2.0f);
   EXPECT_TRUE(b.getMin().almostEqual(v(10 - r, -r, -1), 1e-5f));
   EXPECT_TRUE(b.getMax().almostEqual(v(10 + r, r, 1), 1e-5f));
-  sxMatrix p;  // a projective matrix goes corner by corner
   p[3][3] = 2.0f;
   p.identifyType();
   b.xform(B(v(-2, 0, 2), v(2, 4, 6)), p);
-  EXPECT_EQ(b.getMin(), v(-1, 0, 1));
-  EXPECT_EQ(b.getMax(), v(1, 2, 3));
-  sxBox empty;
-  empty.xform(m);
-  EXPECT_TRUE(empty.isEmpty());
+  EXPECT_EQ(span(b), std::pair(v(-1, 0, 1), v(1, 2, 3)));
+  b.makeEmpty();
+  b.xform(m);
+  EXPECT_TRUE(b.isEmpty());
 }
 
-TEST_F(sxVolumeTest, PlaneConstructionAndTests) {
+TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   sxPlane p;
   EXPECT_EQ(p.getNegOctant(), sxVec3::OCTANT_PPP);
   p.make(v(0, 0, 5), v(0, 0, 2));
@@ -192,8 +160,7 @@ TEST_F(sxVolumeTest, PlaneConstructionAndTests) {
   EXPECT_EQ(p[2], 1.0f);
   EXPECT_EQ(p[3], 5.0f);
   EXPECT_EQ(p[-1], 5.0f);
-  EXPECT_EQ(p.contains(v(0, 0, 5)), IN);
-  EXPECT_EQ(p.contains(v(0, 0, 5.001f)), OUT);
+  EXPECT_EQ(holds(p, v(0, 0, 5), v(0, 0, 5.001f)), "IO");
   p.make(v(-3, 0, -4), 2.0f);
   EXPECT_TRUE(p.getNormal().almostEqual(v(-0.6f, 0, -0.8f), 1e-6f));
   EXPECT_EQ(p.getNegOctant(), sxVec3::OCTANT_NPN);
@@ -205,53 +172,40 @@ TEST_F(sxVolumeTest, PlaneConstructionAndTests) {
   // z <= 0; slanted, y <= x, where the octant picks the corners; half
   // spaces against half spaces.
   const sxPlane below = P(0, 0, 1, 0), slant = P(-1, 1, 0, 0);
-  EXPECT_EQ(where({below.contains(S(0, 0, -1, 1)), below.contains(S(0, 0, 1, 1)),
-                   below.contains(S(0, 0, 1.01f, 1)), below.contains(B(v(0, 0, -2), v(1, 1, 0))),
-                   below.contains(B(v(0, 0, 0.1f), v(1, 1, 1))),
-                   slant.contains(B(v(1, -1, 0), v(2, 0.5f, 1))),
-                   slant.contains(B(v(0, 0.5f, 0), v(1, 2, 1))),
-                   slant.contains(B(v(-2, 0, 0), v(-1, 2, 1))), below.contains(P(0, 0, 1, -1)),
-                   below.contains(P(0, 0, 1, 1)), below.contains(P(0, 1, 0, 0)),
-                   below.contains(P(0, 0, -1, 0)), below.contains(P(0, 0, -1, -0.5f))}),
-            "IPOIOIPOIPPPO");
-  EXPECT_FALSE(below.intersects(P(0, 0, -1, -0.5f)));
-  sxPlane grow = below;
-  grow.extendAround(v(4, 4, 3));
-  EXPECT_EQ(grow.getOffset(), 3.0f);
-  grow.extendAround(S(0, 0, 10, 1));
-  grow.makeEmpty();
-  EXPECT_EQ(grow.getOffset(), 3.0f);
-}
-
-TEST_F(sxVolumeTest, PlaneTransformKeepsItsPoints) {
+  EXPECT_EQ(holds(below, S(0, 0, -1, 1), S(0, 0, 1, 1), S(0, 0, 1.01f, 1),
+                  B(v(0, 0, -2), v(1, 1, 0)), B(v(0, 0, 0.1f), v(1, 1, 1)), P(0, 0, 1, -1),
+                  P(0, 0, 1, 1), P(0, 1, 0, 0), P(0, 0, -1, 0), P(0, 0, -1, -0.5f)) +
+                holds(slant, B(v(1, -1, 0), v(2, 0.5f, 1)), B(v(0, 0.5f, 0), v(1, 2, 1)),
+                      B(v(-2, 0, 0), v(-1, 2, 1))) +
+                meets(below, P(0, 0, -1, -0.5f)),
+            "IPOIOIPPPOIPO0");
+  p = below;
+  p.extendAround(v(4, 4, 3));
+  EXPECT_EQ(p.getOffset(), 3.0f);
+  p.extendAround(S(0, 0, 10, 1));
+  p.makeEmpty();
+  EXPECT_EQ(p.getOffset(), 3.0f);
+  // A transformed plane keeps its points and its inside.
   const sxPlane plane = P(1, 2, 3, 4);
-  sxVec3 onPlane[3], axis, other;
+  sxVec3 onPlane[3], axis, other, deep;
   axis.cross(plane.normal, v(0, 0, 1));
   axis.normalize();
   other.cross(plane.normal, axis);
   onPlane[0].scale(plane.offset, plane.normal);
   onPlane[1].addScaled(onPlane[0], 3.0f, axis);
   onPlane[2].addScaled(onPlane[0], -2.0f, other);
-  sxMatrix rigid, skew;
-  rigid.makeHPR(20, 30, 40);
-  rigid.postScale(2, 2, 2);
-  rigid.postTrans(1, -2, 3);
-  skew.makeScale(1, 3, 0.5f);
-  skew.postRot(30, 1, 1, 0);
-  skew.postTrans(0, 4, 0);
-  for (const sxMatrix& m : {rigid, skew}) {
-    sxPlane moved;
-    moved.xform(plane, m);
-    EXPECT_NEAR(moved.normal.length(), 1.0f, 1e-6f);
-    for (const sxVec3& p : onPlane) EXPECT_NEAR(moved.normal.dot(p * m), moved.offset, 1e-4f);
-    sxVec3 deep;  // the inside stays inside
-    deep.scale(plane.offset - 1.0f, plane.normal);
-    EXPECT_EQ(moved.contains(deep * m), IN);
-    EXPECT_EQ(moved.getNegOctant(), moved.normal.getOctant());
+  deep.scale(plane.offset - 1.0f, plane.normal);
+  for (const sxMatrix& m : {Built().hpr(20, 30, 40).thenScale(2, 2, 2).thenTrans(1, -2, 3),
+                            Built().scale(1, 3, 0.5f).thenRot(30, 1, 1, 0).thenTrans(0, 4, 0)}) {
+    p.xform(plane, m);
+    EXPECT_NEAR(p.normal.length(), 1.0f, 1e-6f);
+    for (const sxVec3& q : onPlane) EXPECT_NEAR(p.normal.dot(q * m), p.offset, 1e-4f);
+    EXPECT_EQ(p.contains(deep * m), V::INSIDE);
+    EXPECT_EQ(p.getNegOctant(), p.normal.getOctant());
   }
 }
 
-TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
+TEST_F(sxVolumeTest, RaysAgainstVolumesTrianglesAndQuads) {
   sxRay r(v(0, 0, 0), v(0, 0, 3), -1.0f);
   sxVec3 end;
   r.getEndPoint(end);
@@ -259,82 +213,71 @@ TEST_F(sxVolumeTest, RaysAgainstPlanesSpheresAndBoxes) {
   r.makeFromPoints(v(1, 1, 1), v(1, 1, 4));
   r.getEndPoint(end);
   EXPECT_EQ(end, v(1, 1, 4));
-  EXPECT_EQ(sxRay(v(1, 1, 1), v(1, 1, 1)).getLength(), 0.0f);
-  EXPECT_EQ(sxRay(v(0, 0, 0), v(0, 1.0000001f, 0)).getLength(), 1.0f);
-  EXPECT_EQ(r, sxRay(v(1, 1, 1), v(1, 1, 4)));
-  EXPECT_NE(r, sxRay(v(1, 1, 1), v(1, 1, 5)));
+  EXPECT_EQ(R(v(1, 1, 1), v(1, 1, 1)).getLength(), 0.0f);
+  EXPECT_EQ(R(v(0, 0, 0), v(0, 1.0000001f, 0)).getLength(), 1.0f);
+  EXPECT_EQ(r, R(v(1, 1, 1), v(1, 1, 4)));
+  EXPECT_NE(r, R(v(1, 1, 1), v(1, 1, 5)));
   // Against the ground, z <= 0: away, parallel and of no length miss; a
   // ball is hit also behind the start (callers start outside).
   const sxPlane ground = P(0, 0, 1, 0);
   const sxSphere ball = S(0, 10, 0, 2);
   const sxVec3 up = v(0, 0, 1), down = v(0, 0, -1), north = v(0, 1, 0), east = v(1, 0, 0);
-  EXPECT_EQ(
-      yes({R(v(0, 0, 5), down, 6).intersects(ground), ground.intersects(R(v(0, 0, 5), down, 6)),
-           R(v(0, 0, 5), down, 4).intersects(ground), R(v(0, 0, 5), down, -1).intersects(ground),
-           R(v(0, 0, 5), up, -1).intersects(ground), R(v(0, 0, 5), east, -1).intersects(ground),
-           R(v(0, 0, 5), down, 0).intersects(ground), R(v(0, 0, 0), north, 8).intersects(ball),
-           R(v(0, 0, 0), north, 7.9f).intersects(ball),
-           R(v(0, 0, 0), v(0, 1, 0.21f), -1).intersects(ball),
-           R(v(0, 0, 0), north, 0).intersects(ball), R(v(0, 20, 0), north, 1).intersects(ball),
-           R(v(-1, 0.5f, 0.5f), east, 1).intersects(unitBox),
-           R(v(-1, 1.5f, 0.5f), east, -1).intersects(unitBox),
-           R(v(2, 0.5f, 0.5f), east, -1).intersects(unitBox),
-           R(v(-1, -1, -1), v(1, 1, 1), -1).intersects(unitBox),
-           R(v(0.5f, 0.5f, 0.5f), east, 0).intersects(unitBox),
-           R(v(0, 0, 0), east, -1).intersects(sxBox())}),
-      "110100010001100100");
+  const sxVec3 o = v(0, 0, 0), high = v(0, 0, 5);
+  EXPECT_EQ(met(ground, R(high, down, 6), R(high, down, 4), R(high, down, -1), R(high, up, -1),
+                R(high, east, -1), R(high, down, 0)) +
+                meets(ground, R(high, down, 6)) +
+                met(ball, R(o, north, 8), R(o, north, 7.9f), R(o, v(0, 1, 0.21f), -1),
+                    R(o, north, 0), R(v(0, 20, 0), north, 1)) +
+                met(unitBox, R(v(-1, 0.5f, 0.5f), east, 1), R(v(-1, 1.5f, 0.5f), east, -1),
+                    R(v(2, 0.5f, 0.5f), east, -1), R(v(-1, -1, -1), v(1, 1, 1), -1),
+                    R(v(0.5f, 0.5f, 0.5f), east, 0)) +
+                met(sxBox(), R(o, east, -1)),
+            "101000110001100100");
   // Three-valued: a ray from inside that never leaves is inside.
   const sxVec3 diagonal = v(1, 1, 1), start = v(0.1f, 0.1f, 0.1f);
-  EXPECT_EQ(
-      where({ground.contains(R(v(0, 0, -1), east, -1)), ground.contains(R(v(0, 0, 5), down, 6)),
-             ground.contains(R(v(0, 0, 5), down, 4)), ground.contains(R(v(0, 0, -5), up, 4)),
-             ball.contains(R(v(0, 20, 0), north, 1)), ball.contains(R(v(0, 9, 0), north, 1)),
-             ball.contains(R(v(0, 9, 0), north, 5)), ball.contains(R(v(0, 9, 0), north, -1)),
-             unitBox.contains(R(start, diagonal, 1)), unitBox.contains(R(start, diagonal, 2)),
-             unitBox.contains(R(start, diagonal, -1)),
-             unitBox.contains(R(v(0, 1, 0.5f), east, 1))}),
-      "IPOIOIPPIPPI");
-}
+  EXPECT_EQ(holds(ground, R(v(0, 0, -1), east, -1), R(high, down, 6), R(high, down, 4),
+                  R(v(0, 0, -5), up, 4)) +
+                holds(ball, R(v(0, 20, 0), north, 1), R(v(0, 9, 0), north, 1),
+                      R(v(0, 9, 0), north, 5), R(v(0, 9, 0), north, -1)) +
+                holds(unitBox, R(start, diagonal, 1), R(start, diagonal, 2), R(start, diagonal, -1),
+                      R(v(0, 1, 0.5f), east, 1)),
+            "IPOIOIPPIPPI");
 
-TEST_F(sxVolumeTest, RaysAgainstTrianglesAndQuads) {
-  const sxVec3 a(0, 0, 0), b(2, 0, 0), c(0, 2, 0), d(2, 2, 0);
+  const sxMatrix m = Built().scale(2, 2, 2).thenTrans(1, 0, 0);
+  r = R(v(0, 0, 0), v(0, 3, 0));
+  r.xform(m);
+  EXPECT_EQ(r.getStartPoint(), v(1, 0, 0));
+  EXPECT_EQ(r.getDirection(), v(0, 1, 0));
+  r.getEndPoint(end);
+  EXPECT_EQ(end, v(1, 6, 0));
+  r = R(v(0, 0, 0), v(1, 0, 0), -1.0f);
+  r.xform(r, m);
+  EXPECT_TRUE(r.isUnbounded());
+  // Triangles and quadrilaterals in z = 0; a miss leaves the hit point.
+  const sxVec3 a(0, 0, 0), b(2, 0, 0), c(0, 2, 0), d(2, 2, 0), above = v(0.5f, 0.5f, 3);
   sxVec3 hit(9, 9, 9);
-  const sxRay down(v(0.5f, 0.5f, 3), v(0, 0, -1), 5.0f);
-  EXPECT_FLOAT_EQ(down.intersects(a, b, c, hit), 3.0f);
+  EXPECT_FLOAT_EQ(R(above, down, 5).intersects(a, b, c, hit), 3.0f);
   EXPECT_TRUE(hit.almostEqual(v(0.5f, 0.5f, 0), 1e-6f));
   hit.set(9, 9, 9);
-  const sxRay corner(v(1.5f, 1.5f, 3), v(0, 0, -1), 5.0f);
+  const sxRay corner(v(1.5f, 1.5f, 3), down, 5.0f);
   EXPECT_EQ(corner.intersects(a, b, c, hit), -1.0f);
   EXPECT_EQ(hit, v(9, 9, 9));
   EXPECT_FLOAT_EQ(corner.intersects(a, b, d, c, hit), 3.0f);
   EXPECT_TRUE(hit.almostEqual(v(1.5f, 1.5f, 0), 1e-6f));
   // Too short, away, parallel, beside the quadrilateral: -1.
-  EXPECT_EQ(yes({R(v(0.5f, 0.5f, 3), v(0, 0, -1), 2.9f).intersects(a, b, c, hit) == -1.0f,
-                 R(v(0.5f, 0.5f, 3), v(0, 0, 1), -1).intersects(a, b, c, hit) == -1.0f,
-                 R(v(0.5f, 0.5f, 3), v(1, 0, 0), -1).intersects(a, b, c, hit) == -1.0f,
-                 R(v(2.5f, 1, 3), v(0, 0, -1), -1).intersects(a, b, d, c, hit) == -1.0f}),
+  EXPECT_EQ(where({R(above, down, 2.9f).intersects(a, b, c, hit) == -1.0f,
+                   R(above, up, -1).intersects(a, b, c, hit) == -1.0f,
+                   R(above, east, -1).intersects(a, b, c, hit) == -1.0f,
+                   R(v(2.5f, 1, 3), down, -1).intersects(a, b, d, c, hit) == -1.0f},
+                  "01"),
             "1111");
   // The nearer of the two triangles' hits wins for a folded quadrilateral.
-  const sxRay side(v(-1, 0.2f, 0.5f), v(1, 0, 0), -1.0f);
+  const sxRay side(v(-1, 0.2f, 0.5f), east, -1.0f);
   const sxVec3 p0(0, 0, 0), p1(0, 0, 1), p2(2, 1, 1), p3(1, 1, 0);
   const float t = side.intersects(p0, p1, p2, p3, hit);
   EXPECT_GE(t, 0.0f);
-  sxVec3 hit1, hit2;
-  const float t1 = side.intersects(p0, p1, p2, hit1), t2 = side.intersects(p0, p2, p3, hit2);
+  const float t1 = side.intersects(p0, p1, p2, hit), t2 = side.intersects(p0, p2, p3, hit);
   EXPECT_EQ(t, t1 < 0 ? t2 : t2 < 0 ? t1 : std::min(t1, t2));
-
-  sxMatrix m;
-  m.makeScale(2, 2, 2);
-  m.postTrans(1, 0, 0);
-  sxRay r(v(0, 0, 0), v(0, 3, 0));
-  r.xform(m);
-  EXPECT_EQ(r.getStartPoint(), v(1, 0, 0));
-  EXPECT_EQ(r.getDirection(), v(0, 1, 0));
-  r.getEndPoint(hit);
-  EXPECT_EQ(hit, v(1, 6, 0));
-  sxRay unbounded(v(0, 0, 0), v(1, 0, 0), -1.0f);
-  unbounded.xform(unbounded, m);
-  EXPECT_TRUE(unbounded.isUnbounded());
 }
 
 TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
@@ -344,35 +287,23 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
   static_cast<sxFrustum&>(*volumes[3]).makePersp(-1, 1, -1, 1, 1, 10);
   sxArena arena;
   for (const auto& vol : volumes) {
-    std::unique_ptr<sxVolume> copy(vol->createCopy());
-    ASSERT_TRUE(copy);
-    EXPECT_EQ(copy->getType(), vol->getType());
-    sxVolume* disposable = vol->createDisposableCopy(&arena);
-    ASSERT_TRUE(disposable);
-    EXPECT_TRUE(arena.inRange(disposable));
-    EXPECT_EQ(disposable->getType(), vol->getType());
+    const std::unique_ptr<sxVolume> copy(vol->createCopy());
+    EXPECT_TRUE(copy && copy->getType() == vol->getType());
+    const sxVolume* disposable = vol->createDisposableCopy(&arena);
+    EXPECT_TRUE(disposable && arena.inRange(disposable) && disposable->getType() == vol->getType());
     EXPECT_EQ(vol->createDisposableCopy(nullptr), nullptr);
-    // The generic forms reach the typed ones.
+    // The generic forms reach the typed ones, which the type names.
     for (const auto& w : volumes) {
       const sxVolume& other = *w;
-      auto same = [&](const auto& kind) {
+      auto same = [&](const auto& kind, V::TYPE type) {
+        EXPECT_EQ(other.getType(), type);
         EXPECT_EQ(vol->contains(other), vol->contains(kind));
         EXPECT_EQ(vol->intersects(other), vol->intersects(kind));
       };
-      switch (w->getType()) {
-        case V::PLANE:
-          same(static_cast<const sxPlane&>(other));
-          break;
-        case V::BOX:
-          same(static_cast<const sxBox&>(other));
-          break;
-        case V::SPHERE:
-          same(static_cast<const sxSphere&>(other));
-          break;
-        case V::FRUSTUM:
-          same(static_cast<const sxFrustum&>(other));
-          break;
-      }
+      if (auto* kind = dynamic_cast<const sxPlane*>(&other)) same(*kind, V::PLANE);
+      if (auto* kind = dynamic_cast<const sxBox*>(&other)) same(*kind, V::BOX);
+      if (auto* kind = dynamic_cast<const sxSphere*>(&other)) same(*kind, V::SPHERE);
+      if (auto* kind = dynamic_cast<const sxFrustum*>(&other)) same(*kind, V::FRUSTUM);
       EXPECT_TRUE(vol->intersects(other)) << vol->getType() << " " << w->getType();
     }
   }
@@ -388,10 +319,175 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
   EXPECT_EQ(center, v(7, 7, 7));
   // Empty volumes meet nothing, on either side.
   const sxSphere empty, everything = S(0, 0, 0, 1e6f);
-  auto meets = [](const sxVolume& a, const sxVolume& b) { return a.intersects(b); };
-  EXPECT_EQ(yes({meets(empty, everything), meets(everything, empty), meets(everything, sxBox()),
-                 meets(everything, sxFrustum()), meets(everything, unitBox)}),
-            "00001");
+  const sxVolume &none = empty, &all = everything;
+  EXPECT_EQ(meets(none, all) + meets(all, none, sxBox(), sxFrustum(), unitBox), "00001");
+}
+
+class sxFrustumTest : public testing::Test {
+ protected:
+  void SetUp() override { sxSetSqrtMethod(SXSQRT_TABLE_4K); }
+};
+
+TEST_F(sxFrustumTest, MadeInEyeSpace) {
+  sxFrustum f;
+  ASSERT_TRUE(f.makePersp(-1, 2, -0.5f, 0.5f, 1, 10));
+  EXPECT_FALSE(f.isOrtho());
+  EXPECT_FALSE(f.isSymmetrical());
+  // Corner bits: 1 right, 2 top, 4 far. Looking along +Y with Z up.
+  EXPECT_EQ(f.getCorner(0), v(-1, 1, -0.5f));
+  EXPECT_EQ(f.getCorner(5), v(20, 10, -5));
+  EXPECT_EQ(holds(f, v(0, 5, 0), v(0, 0.5f, 0), v(-5.1f, 5, 0)), "IOO");
+  EXPECT_TRUE(f.getPlane(sxFrustum::FACE_NEAR).getNormal().almostEqual(v(0, -1, 0), 1e-6f));
+  ASSERT_TRUE(f.makeFOV(90, 60, 2, 100));
+  EXPECT_TRUE(f.isSymmetrical());
+  float l, r, b, t;
+  f.getNearPlaneCoords(l, r, b, t);
+  EXPECT_FLOAT_EQ(t, 2.0f * std::tan(30.0f * 3.14159265f / 180.0f));
+  ASSERT_TRUE(f.makeOrtho(-1, 1, -1, 1, 0, 10));
+  EXPECT_TRUE(f.isOrtho());
+  EXPECT_EQ(f.getCorner(7), v(1, 10, 1));
+  sxVec3 center;
+  f.getCenter(center);
+  EXPECT_TRUE(center.almostEqual(v(0, 5, 0), 1e-5f));
+  // Bad parameters leave it empty.
+  EXPECT_FALSE(f.makePersp(-1, 1, -1, 1, 0, 10));
+  EXPECT_TRUE(f.isEmpty());
+  EXPECT_EQ(holds(f, v(0, 5, 0), S(0, 5, 0, 100)), "OO");
+  const float nan = std::numeric_limits<float>::quiet_NaN();
+  EXPECT_EQ(where({f.makePersp(1, -1, -1, 1, 1, 5), f.makePersp(-1, 1, -1, 1, 5, 5),
+                   f.makeOrtho(-1, 1, 1, 1, 1, 5), f.makeOrtho(-1, nan, -1, 1, 1, 5),
+                   f.makeFOV(180, 60, 1, 10), f.makeFOV(90, 0, 1, 10)},
+                  "01"),
+            "000000");
+  EXPECT_TRUE(f.isEmpty());
+}
+
+// Random frusta, spheres and boxes; each volume is sampled (its extreme and
+// random inner points) and the samples are tested in eye space directly: a
+// volume with a point inside is never culled, one with a point outside is
+// never called inside. Every answer occurs, and the edge planes cull some
+// volumes that the faces and the bounding sphere let through.
+TEST_F(sxFrustumTest, CullingAgreesWithSampledPoints) {
+  std::mt19937 rng(2024);
+  auto uni = [&](float lo, float hi) { return std::uniform_real_distribution<float>(lo, hi)(rng); };
+  int results[2][3] = {}, cutByEdges = 0;
+  for (int round = 0; round < 30; ++round) {
+    const bool ortho = round % 4 == 0;
+    const float l = uni(-2, -0.2f), r = uni(0.2f, 2), b = uni(-1.5f, -0.1f), t = uni(0.1f, 1.5f);
+    const float n = uni(0.5f, 2), f = n + uni(5, 40);
+    auto slack = [&](const sxVec3& p) {  // positive inside, negative outside
+      const float k = ortho ? 1.0f : p.y / n;
+      return std::min({p.y - n, f - p.y, p.x - l * k, r * k - p.x, p.z - b * k, t * k - p.z});
+    };
+    sxFrustum world;
+    ASSERT_TRUE(ortho ? world.makeOrtho(l, r, b, t, n, f) : world.makePersp(l, r, b, t, n, f));
+    sxMatrix toWorld, toEye;
+    toWorld.makeHPR(uni(-180, 180), uni(-80, 80), uni(-180, 180));
+    const float scale = uni(0.5f, 2);
+    toWorld.postScale(scale, scale, scale);
+    toWorld.postTrans(uni(-20, 20), uni(-20, 20), uni(-20, 20));
+    world.xform(toWorld);
+    toEye.invert(toWorld);
+    auto check = [&](const V& volume, const std::vector<sxVec3>& points, int kind) {
+      const V::CONTAINMENT c = world.contains(volume);
+      ++results[kind][c];
+      bool in = false, out = false;
+      for (const sxVec3& p : points) {
+        const float inside = slack(p * toEye);
+        in |= inside > 1e-3f;
+        out |= inside < -1e-3f;
+      }
+      const bool meets = world.intersects(volume);
+      EXPECT_FALSE(in && c == V::OUTSIDE) << "a volume that overlaps was culled";
+      EXPECT_FALSE(out && c == V::INSIDE) << "a volume that pokes out was called inside";
+      EXPECT_TRUE(meets || (!in && c != V::INSIDE));
+      if (c != V::OUTSIDE) return;
+      EXPECT_FALSE(meets);
+      bool passed = world.getBoundingSphere().contains(volume) != V::OUTSIDE;
+      for (int i = 0; i < 6; ++i) passed &= world.getPlane(i).contains(volume) != V::OUTSIDE;
+      cutByEdges += passed;
+    };
+    sxBox around;
+    around.extendAround(world);
+    const float reach = around.getMin().distance(around.getMax()) * 0.6f;
+    sxVec3 mid;
+    around.getCenter(mid);
+    for (int i = 0; i < 300; ++i) {
+      sxVec3 center = mid + v(uni(-reach, reach), uni(-reach, reach), uni(-reach, reach));
+      float radius = std::exp(uni(std::log(0.05f), std::log(reach)));
+      if (i % 3 == 0) {  // small volumes within the view, to see the inside answer often
+        const float y = uni(n, f), k = ortho ? 1.0f : y / n;
+        center = v(uni(l, r) * k, y, uni(b, t) * k) * toWorld;
+        radius = std::exp(uni(std::log(0.01f), std::log(1.0f)));
+      }
+      std::vector<sxVec3> points = {center};
+      for (int k = 0; k < 160; ++k) {
+        sxVec3 d(uni(-1, 1), uni(-1, 1), uni(-1, 1));
+        if (d.sqrLength() > 1.0f || d.sqrLength() < 1e-4f) continue;
+        if (k % 2) d.scale(1.0f / std::sqrt(d.sqrLength()));  // on the surface
+        points.push_back(center + d * (radius * 0.999f));
+      }
+      check(sxSphere(center, radius), points, 0);
+      const float top = i % 3 == 0 ? 0.0f : std::log(reach);
+      const sxVec3 half(std::exp(uni(-4, top)), std::exp(uni(-4, top)), std::exp(uni(-4, top)));
+      const sxBox box(center - half, center + half);
+      points.clear();
+      for (int k = 0; k < 8; ++k) points.push_back(box.cornerOf(k));
+      for (int k = 0; k < 150; ++k)
+        points.push_back(center + v(half.x * uni(-1, 1), half.y * uni(-1, 1), half.z * uni(-1, 1)));
+      check(box, points, 1);
+    }
+  }
+  for (const auto& kind : results)
+    for (int count : kind) EXPECT_GT(count, 100);
+  EXPECT_GT(cutByEdges, 0);
+}
+
+TEST_F(sxFrustumTest, RaysFrustaPlanesAndOtherVolumes) {
+  sxFrustum f, inner, away;
+  f.makePersp(-1, 1, -1, 1, 1, 10);
+  inner.makePersp(-0.5f, 0.5f, -0.5f, 0.5f, 2, 8);
+  const sxVec3 o = v(0, 0, 0), north = v(0, 1, 0);
+  EXPECT_EQ(meets(f, R(o, north, 2), R(o, north, 0.5f)) +
+                met(f, R(o, v(0, -1, 0), -1), R(v(5, 0, 0), north, 3)),
+            "1000");
+  EXPECT_EQ(holds(f, R(o, north, -1), R(v(0, 2, 0), north, 3), inner) + holds(inner, f), "PIIP");
+  away.xform(f, Built().xyz(0, 0, 30));
+  EXPECT_EQ(holds(f, away) + met(f, away), "O0");
+  // Frusta side by side whose bounding boxes overlap but which do not meet:
+  // one looks along +Y within |x| <= y, the other along +X within
+  // |y + 3| <= x - 3, so y <= x - 6 there.
+  sxMatrix m = Built().rot(-90, 0, 0, 1).thenTrans(3, -3, 0);
+  away.xform(f, m);
+  sxBox boundsA, boundsB;
+  boundsA.extendAround(f);
+  boundsB.extendAround(away);
+  ASSERT_TRUE(boundsA.intersects(boundsB));
+  EXPECT_EQ(holds(f, away) + meets(f, away), "O0");
+  m.postTrans(-6, 6, 0);
+  away.xform(f, m);
+  EXPECT_EQ(holds(f, away) + meets(f, away), "P1");
+
+  // A sphere and a box beside the frustum's corner, within its bounding
+  // sphere and the reach of two faces, do not touch it.
+  const sxSphere nearCorner = S(-11.5f, 11.5f, 0, 1);
+  const sxBox boxNearCorner(v(-12, 10.5f, -1), v(-11, 12, 1));
+  EXPECT_EQ(meets(f, nearCorner, boxNearCorner), "00");
+  EXPECT_EQ(
+      holds(f, P(0, 1, 0, 5), P(0, 1, 0, 0.5f)) +
+          heldBy(f, P(0, 1, 0, 10), P(0, 1, 0, 0.5f), S(0, 5, 0, 20), S(0, 5, 0, 2), nearCorner,
+                 B(v(-20, 0, -20), v(20, 20, 20)), B(v(-1, 5, -1), v(1, 6, 1)), boxNearCorner),
+      "POIOIPOIPO");
+  sxSphere s;
+  sxBox box;
+  s.extendAround(f);
+  box.extendAround(f);
+  for (int c = 0; c < 8; ++c) {
+    EXPECT_LE(s.center.distance(f.getCorner(c)), s.radius * 1.0001f);
+    EXPECT_EQ(box.contains(f.getCorner(c)), V::INSIDE);
+  }
+  f.extendAround(v(100, 100, 100));
+  EXPECT_EQ(f.contains(v(100, 100, 100)), V::OUTSIDE);
 }
 
 }  // namespace
