@@ -72,15 +72,10 @@ inline Probe* releasedProbe(std::atomic<int>* destroyed) {
   return p;
 }
 
-// True when the class can be created by name (in any letter case) and the
-// result is of exactly that class.
-inline bool createsByName(const char* name, const sxType* type) {
-  sxBase* made = sxType::createInstance(name);
-  if (!made) return false;
-  const bool exact = made->isOfExactType(type);
-  made->ref();
-  made->unRef();
-  return exact;
+// A new object with one reference, which the handle gives back.
+template <class T = CountingAction, class... Args>
+sxRef<T> make(Args&&... args) {
+  return sxRef<T>(new T(std::forward<Args>(args)...));
 }
 
 // Polls pred for at most timeoutMs; true once it holds.
@@ -98,6 +93,13 @@ inline bool staysAt(const std::function<int()>& value, int pauseMs = 50) {
   int before = value();
   std::this_thread::sleep_for(std::chrono::milliseconds(pauseMs));
   return value() == before;
+}
+
+// Runs body(0) to body(n - 1) on n threads at once and joins them.
+inline void inThreads(int n, const std::function<void(int)>& body) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < n; ++i) threads.emplace_back(body, i);
+  for (std::thread& t : threads) t.join();
 }
 
 // Runs body on a helper thread; a body that has not returned after

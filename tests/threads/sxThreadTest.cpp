@@ -2,7 +2,6 @@
 #include <sched.h>
 
 #include <atomic>
-#include <string>
 
 #include "support/sxThreadTestSupport.h"
 
@@ -10,33 +9,24 @@ namespace {
 
 using namespace sxtest;
 
-template <class A, class... Args>
-A* newAction(Args&&... args) {
-  A* a = new A(std::forward<Args>(args)...);
-  a->ref();
-  return a;
-}
-
 // The thread the application runs on is neither suspended nor killed, and
 // run() on it only counts a trigger.
 TEST(sxThread, ApplicationThreadWrapper) {
   sxThread* app = sxGetAppThread();
   ASSERT_NE(app, nullptr);
-  EXPECT_TRUE(app->isAppThread());
-  EXPECT_TRUE(sxInAppThread());
+  EXPECT_TRUE(app->isAppThread() && sxInAppThread());
   EXPECT_EQ(sxThread::getCurrentThread(), app);
   app->suspend();
   app->kill();
   EXPECT_EQ(app->getState(), sxThread::RUNNING);
   EXPECT_TRUE(app->inCurrentThread());
-  auto* a = newAction<CountingAction>();
-  app->addAction(a);
+  auto a = make();
+  app->addAction(a.get());
   app->run();
   EXPECT_EQ(a->count.load(), 0);
   EXPECT_TRUE(app->apply(nullptr));
   EXPECT_EQ(a->count.load(), 1);
-  EXPECT_TRUE(app->removeAction(a));
-  a->unRef();
+  EXPECT_TRUE(app->removeAction(a.get()));
 }
 
 TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
@@ -47,26 +37,24 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
   EXPECT_NE(t->getThreadId(), sxGetAppThread()->getThreadId());
   EXPECT_NE(t->getTravContext(), sxGetAppThread()->getTravContext());
-  EXPECT_EQ(t->createCopy(), nullptr) << "threads are not copied";
-  EXPECT_TRUE(createsByName("sxThread", sxThread::getClassType()));
 
-  auto* init = newAction<CountingAction>();
-  auto* each = newAction<CountingAction>();
+  auto init = make(), each = make();
   std::atomic<bool> sawItself{false};
-  auto* probe = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
+  auto probe = make<FunctionAction>([&](sxBase*, sxEvent*) {
     sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
     return true;
   });
-  t->addInitAction(init);
-  t->addAction(each);
-  t->addAction(probe);
+  t->addInitAction(init.get());
+  t->addAction(each.get());
+  t->addAction(probe.get());
+  const auto applied = [&] { return each->count.load(); };
   sxBase target;
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
+  EXPECT_TRUE(staysAt(applied));
   EXPECT_EQ(init->count.load(), 0);  // nothing runs before run()
 
   t->run(&target);
   EXPECT_EQ(t->getState(), sxThread::RUNNING);
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() > 10; }));
+  ASSERT_TRUE(waitUntil([&] { return applied() > 10; }));
   EXPECT_EQ(init->count.load(), 1);
   EXPECT_EQ(init->lastObject.load(), t);  // init actions get the thread
   EXPECT_EQ(each->lastObject.load(), &target);
@@ -75,15 +63,12 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   t->kill();
   EXPECT_EQ(t->getState(), sxThread::DEAD);
   EXPECT_EQ(t->getThreadId(), 0u);
-  const int applied = each->count.load();
+  const int atKill = applied();
   t->kill();  // a dead thread: nothing happens
   t->run();   // and nothing revives it
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), applied) << "kill returned after the thread ended";
+  EXPECT_TRUE(staysAt(applied));
+  EXPECT_EQ(applied(), atKill) << "kill returned after the thread ended";
   EXPECT_EQ(t->getState(), sxThread::DEAD);
-  for (sxAction* a :
-       {static_cast<sxAction*>(init), static_cast<sxAction*>(each), static_cast<sxAction*>(probe)})
-    a->unRef();
 }
 
 // A triggered thread runs one iteration per run(), however early they
@@ -92,11 +77,9 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
 TEST(sxThread, TriggeredAndSuspendedThreads) {
   Pipeline p;
   sxThread* t = p.add(sxThread::TRIGGERED);
-  auto* each = newAction<CountingAction>();
-  t->addAction(each);
-  t->run();
-  t->run();
-  t->run();
+  auto each = make();
+  t->addAction(each.get());
+  for (int i = 0; i < 3; ++i) t->run();
   ASSERT_TRUE(waitUntil([&] { return each->count.load() == 3; }));
   EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
   EXPECT_EQ(each->count.load(), 3);
@@ -104,38 +87,33 @@ TEST(sxThread, TriggeredAndSuspendedThreads) {
   EXPECT_EQ(t->getState(), sxThread::DEAD);
 
   sxThread* free = p.add();
-  auto* loop = newAction<CountingAction>();
-  free->addAction(loop);
+  auto loop = make();
+  const auto loops = [&] { return loop->count.load(); };
+  free->addAction(loop.get());
   free->run();
-  ASSERT_TRUE(waitUntil([&] { return loop->count.load() > 0; }));
+  ASSERT_TRUE(waitUntil([&] { return loops() > 0; }));
   free->suspend();
   EXPECT_EQ(free->getState(), sxThread::SUSPENDED);
-  ASSERT_TRUE(waitUntil([&] { return staysAt([&] { return loop->count.load(); }, 20); }));
-  const int stopped = loop->count.load();
-  EXPECT_TRUE(staysAt([&] { return loop->count.load(); }));
+  ASSERT_TRUE(waitUntil([&] { return staysAt(loops, 20); }));
+  const int stopped = loops();
+  EXPECT_TRUE(staysAt(loops));
   free->run();
-  EXPECT_TRUE(waitUntil([&] { return loop->count.load() > stopped + 10; }));
+  EXPECT_TRUE(waitUntil([&] { return loops() > stopped + 10; }));
   free->suspend();
   free->kill();
   EXPECT_EQ(free->getState(), sxThread::DEAD);
-  each->unRef();
-  loop->unRef();
 }
 
 TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
-  sxtest::MessageCapture messages;
+  MessageCapture messages;
   Pipeline p;
   sxThread* t = p.add(sxThread::FREE_RUNNING, "Worker");
-  auto* first = newAction<CountingAction>();
-  auto* failing = newAction<CountingAction>();
-  auto* after = newAction<CountingAction>();
-  t->addAction(first);
-  t->addAction(failing);
-  t->addAction(after);
+  auto first = make(), failing = make(), after = make();
+  for (auto* a : {first.get(), failing.get(), after.get()}) t->addAction(a);
   failing->result.store(false);
   t->run();
   ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
-  EXPECT_EQ(sxtest::MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
+  EXPECT_EQ(MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
   EXPECT_EQ(first->count.load(), 1);
   EXPECT_EQ(after->count.load(), 0);  // actions after the failing one are not applied
   // The rest of the process carries on: another thread still runs, and
@@ -143,40 +121,35 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   // its next check.
   sxThread* other = p.add();
   std::atomic<int> afterKill{0};
-  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
+  auto killer = make<FunctionAction>([&](sxBase*, sxEvent*) {
     sxThread::getCurrentThread()->kill();
     afterKill.fetch_add(1);
     return true;
   });
-  other->addAction(first);
-  other->addAction(killer);
-  other->addAction(after);
+  for (sxAction* a : std::initializer_list<sxAction*>{first.get(), killer.get(), after.get()})
+    other->addAction(a);
   other->run();
   ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
   EXPECT_TRUE(staysAt([&] { return afterKill.load(); }));
   EXPECT_EQ(afterKill.load(), 1);
   EXPECT_EQ(first->count.load(), 2);
   EXPECT_LE(after->count.load(), 1);
-  for (auto* a : {first, failing, after}) a->unRef();
-  killer->unRef();
 }
 
 TEST(sxThread, ActionListsReferenceTheirActions) {
   Pipeline p;
   sxThread* t = p.add();
-  auto* a = newAction<CountingAction>();
-  auto* b = newAction<CountingAction>();
-  auto* c = newAction<CountingAction>();
+  auto a = make(), b = make(), c = make();
   t->addAction(nullptr);
   t->addInitAction(nullptr);
   EXPECT_EQ(t->getNumActions(), 0);
-  for (auto* x : {a, b, c}) t->addAction(x);
-  t->addInitAction(a);
+  for (auto* x : {a.get(), b.get(), c.get()}) t->addAction(x);
+  t->addInitAction(a.get());
   EXPECT_EQ(a->getRefCount(), 3);
   EXPECT_EQ(t->getNumInitActions(), 1);
   EXPECT_FALSE(t->removeAction(nullptr));
-  EXPECT_TRUE(t->removeAction(a));
-  EXPECT_FALSE(t->removeInitAction(b));
+  EXPECT_TRUE(t->removeAction(a.get()));
+  EXPECT_FALSE(t->removeInitAction(b.get()));
   EXPECT_EQ(t->getNumActions(), 2);
   // apply runs what is left, in order, with the target and no event.
   sxBase target;
@@ -184,10 +157,9 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
   EXPECT_EQ(a->count.load(), 0);
   EXPECT_EQ(c->lastObject.load(), &target);
   EXPECT_EQ(c->lastEvent.load(), nullptr);
-  EXPECT_TRUE(t->removeInitAction(a));
+  EXPECT_TRUE(t->removeInitAction(a.get()));
   EXPECT_EQ(a->getRefCount(), 1);
-  for (auto* x : {a, b, c}) x->unRef();
-  EXPECT_EQ(b->getRefCount(), 1) << "still listed";
+  EXPECT_EQ(b->getRefCount(), 2) << "still listed";
 }
 
 TEST(sxThread, PriorityAndProcessorRequests) {
@@ -205,8 +177,7 @@ TEST(sxThread, PriorityAndProcessorRequests) {
   for (int i = 0; i < 32; ++i)
     if (CPU_ISSET(i, &set)) allowed |= std::uint64_t(1) << i;
   ASSERT_NE(allowed, 0u);
-  unsigned lowest = 1;
-  while (!(allowed & lowest)) lowest <<= 1;
+  const unsigned lowest = unsigned(allowed & -allowed);
   EXPECT_TRUE(t->setProcessors(lowest));
   EXPECT_TRUE(t->setProcessors(~0u));  // cut down to what the process may use
   EXPECT_FALSE(t->setProcessors(0));
