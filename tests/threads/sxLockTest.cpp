@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 #include "support/sxThreadTestSupport.h"
 
@@ -68,18 +67,15 @@ TEST(sxLock, MutualExclusionUnderContention) {
   sxLock lock;
   long long counter = 0;  // plain: only the lock protects it
   constexpr int threads = 4, rounds = 20000;
-  std::vector<std::thread> workers;
-  for (int t = 0; t < threads; ++t)
-    workers.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        lock.acquire();
-        lock.acquire();  // nested, as kernel code does
-        ++counter;
-        lock.release();
-        lock.release();
-      }
-    });
-  for (auto& w : workers) w.join();
+  sxtest::inThreads(threads, [&](int) {
+    for (int i = 0; i < rounds; ++i) {
+      lock.acquire();
+      lock.acquire();  // nested, as kernel code does
+      ++counter;
+      lock.release();
+      lock.release();
+    }
+  });
   EXPECT_EQ(counter, static_cast<long long>(threads) * rounds);
 }
 

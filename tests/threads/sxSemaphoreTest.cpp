@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 #include "support/sxThreadTestSupport.h"
 
@@ -48,19 +47,13 @@ TEST(sxSemaphore, ProducersAndConsumersBalance) {
   sxSemaphore s(0, sxSemaphore::maxCount);
   constexpr int pairs = 4, rounds = 5000;
   std::atomic<int> taken{0};
-  std::vector<std::thread> threads;
-  for (int p = 0; p < pairs; ++p) {
-    threads.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) s.inc();
-    });
-    threads.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        s.dec();
+  sxtest::inThreads(2 * pairs, [&](int i) {
+    for (int k = 0; k < rounds; ++k)
+      if (i % 2 == 0)
+        s.inc();
+      else if (s.dec())
         taken.fetch_add(1);
-      }
-    });
-  }
-  for (auto& t : threads) t.join();
+  });
   EXPECT_EQ(taken.load(), pairs * rounds);
   EXPECT_EQ(s.getAvailable(), 0);
 }

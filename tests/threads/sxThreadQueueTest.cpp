@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
-#include <memory>
 #include <thread>
 #include <vector>
 
@@ -32,15 +31,12 @@ class RecordingFlush : public sxFlushThread {
 
 TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
   Pipeline p;
-  sxThread* t = p.add();  // never run: its queue is carried out from here
-  CountingAction later, direct;
-  later.ref();
-  direct.ref();
+  sxThread* t = p.add();         // never run: its queue is carried out from here
+  CountingAction later, direct;  // the queue takes no references
   FunctionAction poster([&](sxBase* object, sxEvent*) {
     static_cast<sxThread*>(object)->addActionToQueue(&later);
     return true;
   });
-  poster.ref();
   t->addActionToQueue(&poster);
   t->addActionToQueue(&direct);
   t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
@@ -63,7 +59,6 @@ TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   ASSERT_TRUE(p.addBelow(right));
   p.runAll();
   SlowAction work[4];
-  for (auto& w : work) w.ref();
   for (int round = 0; round < 3; ++round) {
     for (int i = 0; i < 4; ++i) p.threads[size_t(i)]->addActionToQueue(&work[i]);
     withDeadline("flushQueue", [&] { top->flushQueue(); });
@@ -82,38 +77,33 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
   ASSERT_TRUE(t);
   p.runAll();
   for (int round = 0; round < 20; ++round) {
-    auto* f = new RecordingFlush;
-    f->ref();
-    withDeadline("addActionToQueue", [&] { t->addActionToQueue(f); });
+    auto f = make<RecordingFlush>();
+    withDeadline("addActionToQueue", [&] { t->addActionToQueue(f.get()); });
     EXPECT_EQ(f->preThread.load(), t);
     EXPECT_EQ(f->preTarget.load(), t);  // applied with the thread as object
     EXPECT_EQ(f->postTarget.load(), t);
     EXPECT_EQ(f->posts, 1);
-    f->unRef();  // freed at once: the thread must no longer touch it
+    f.reset();  // freed at once: the thread must no longer touch it
   }
   t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
 
   CountingAction queued;
-  queued.ref();
   std::atomic<int> flushedInside{0};
   FunctionAction selfFlush([&](sxBase* object, sxEvent*) {
     auto* self = static_cast<sxThread*>(object);
     self->addActionToQueue(&queued);
     self->flushQueue();
     RecordingFlush f;
-    f.ref();
     self->addActionToQueue(&f);
     flushedInside.store(queued.count.load() + f.posts);
     return true;
   });
-  selfFlush.ref();
   t->addActionToQueue(&selfFlush);
   ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));
   EXPECT_EQ(flushedInside.load(), 2);
   t->kill();  // the action has returned before the locals it uses go
 
   RecordingFlush f;
-  f.ref();
   withDeadline("flush of a dead thread", [&] {
     t->addActionToQueue(&queued);  // a dead thread runs no actions
     t->flushQueue();
@@ -131,31 +121,25 @@ TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
   p.runAll();
   sxThread* d = p.threads[1];
   constexpr int posters = 4, perPoster = 3000, flushEvery = 150;
-  std::vector<std::unique_ptr<CountingAction>> actions;
-  for (int i = 0; i < posters * perPoster; ++i) {
-    actions.push_back(std::make_unique<CountingAction>());
-    actions.back()->ref();
-  }
+  std::vector<CountingAction> actions(posters * perPoster);
   std::atomic<int> barrierFailures{0};
   withDeadline("concurrent posts and flushes", [&] {
-    std::vector<std::thread> threads;
-    for (int k = 0; k < posters; ++k)
-      threads.emplace_back([&, k] {
-        for (int i = 0; i < perPoster; ++i) {
-          // Alternate the two threads so that the flush through the link
-          // is what brings the downstream items in.
-          (i % 2 ? d : t)->addActionToQueue(actions[size_t(k * perPoster + i)].get());
-          if ((i + 1) % flushEvery) continue;
-          t->flushQueue();
-          for (int j = 0; j <= i; ++j)
-            if (actions[size_t(k * perPoster + j)]->count.load() != 1) barrierFailures.fetch_add(1);
-        }
-      });
-    for (auto& th : threads) th.join();
+    inThreads(posters, [&](int k) {
+      CountingAction* mine = &actions[size_t(k * perPoster)];
+      for (int i = 0; i < perPoster; ++i) {
+        // Alternate the two threads so that the flush through the link
+        // is what brings the downstream items in.
+        (i % 2 ? d : t)->addActionToQueue(&mine[i]);
+        if ((i + 1) % flushEvery) continue;
+        t->flushQueue();
+        for (int j = 0; j <= i; ++j)
+          if (mine[j].count.load() != 1) barrierFailures.fetch_add(1);
+      }
+    });
   });
   EXPECT_EQ(barrierFailures.load(), 0);
   int wrong = 0;
-  for (auto& a : actions) wrong += a->count.load() != 1;
+  for (auto& a : actions) wrong += a.count.load() != 1;
   EXPECT_EQ(wrong, 0);  // each carried out exactly once
 }
 
