@@ -106,25 +106,3 @@ TEST(sxBase, TypeQueriesFollowTheClassTree) {
   EXPECT_FALSE(leaf.isOfType(static_cast<const sxType*>(nullptr)));
   EXPECT_FALSE(leaf.isOfType(static_cast<const sxBase*>(nullptr)));
 }
-
-TEST(sxBase, DisposableCopiesLiveInTheArenaUnlisted) {
-  sxArena arena(4096);
-  sxTestNode src;
-  src.setName("template");
-  src.value = 5;
-  int listed = sxTestNode::getNum(false);
-  int all = sxBase::getNum(false);
-  auto* copy = static_cast<sxTestNode*>(src.createDisposableCopy(&arena));
-  ASSERT_NE(copy, nullptr);
-  EXPECT_TRUE(arena.inRange(copy));
-  EXPECT_TRUE(arena.inRange(copy->getName()));
-  EXPECT_EQ(copy->value, 5);
-  EXPECT_TRUE(copy->isDisposable());
-  EXPECT_EQ(sxTestNode::getNum(false), listed);
-  EXPECT_EQ(sxBase::getNum(false), all);
-  EXPECT_EQ(src.createDisposableCopy(nullptr), nullptr);
-  // The class of the copy is the source's.
-  EXPECT_EQ(copy->getType(), sxTestNode::getClassType());
-  // Objects made while an arena copy is built are ordinary objects.
-  EXPECT_EQ(sxBase::getCopyArena(), nullptr);
-}

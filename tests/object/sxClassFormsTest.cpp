@@ -68,28 +68,31 @@ void expectListedOnlyUnderOwnClass() {
     EXPECT_EQ(sxBase::getNum(false), base + 1);
     EXPECT_EQ(object.getType()->getParent(), parent);
 
-    sxBase* copy = object.createCopy();
+    sxRef<sxBase> copy(object.createCopy());
     sxArena arena(4096);
     sxBase* disposable = object.createDisposableCopy(&arena);
     if constexpr (std::is_copy_constructible_v<C>) {
       ASSERT_NE(copy, nullptr);
       ASSERT_NE(disposable, nullptr);
       EXPECT_EQ(C::getNum(false), 2) << "the copy is listed, the arena copy is not";
+      EXPECT_EQ(sxBase::getNum(false), base + 2);
       EXPECT_TRUE(disposable->isDisposable());
+      EXPECT_EQ(disposable->getType(), C::getClassType());
+      EXPECT_TRUE(arena.inRange(disposable) && arena.inRange(disposable->getName()));
       EXPECT_STREQ(disposable->getName(), "formObject");
+      EXPECT_EQ(object.createDisposableCopy(nullptr), nullptr);
+      // Objects made while an arena copy is built are ordinary objects.
+      EXPECT_EQ(sxBase::getCopyArena(), nullptr);
       disposable->~sxBase();
-      copy->ref();
-      copy->unRef();
+      copy.reset();
     } else {
       EXPECT_EQ(copy, nullptr);
       EXPECT_EQ(disposable, nullptr);
     }
-    sxBase* made = sxType::createInstance(C::getClassName());
+    sxRef<sxBase> made(sxType::createInstance(C::getClassName()));
     ASSERT_NE(made, nullptr);
     EXPECT_TRUE(made->isOfExactType(C::getClassType()));
     EXPECT_EQ(C::getNum(false), 2);
-    made->ref();
-    made->unRef();
   }
   EXPECT_EQ(C::getNum(false), 0);
   EXPECT_EQ(sxBase::getNum(false), base);
@@ -104,13 +107,7 @@ TEST(sxClassForms, EveryFormListsItsObjectsOnceUnderTheirClass) {
   expectListedOnlyUnderOwnClass<sxFormOld, sxBase>();
   expectListedOnlyUnderOwnClass<sxFormOldSingle, sxBase>();
   expectListedOnlyUnderOwnClass<sxTestLeaf, sxTestNode>();
-}
-
-TEST(sxClassForms, ImplicitCopiesKeepTheFields) {
   sxFormDerived source;
   source.value = 42;
-  sxFormDerived copy(source);
-  EXPECT_EQ(copy.value, 42);
-  EXPECT_EQ(sxFormDerived::getNum(false), 2);
-  EXPECT_EQ(sxFormPlain::getNum(false), 0);
+  EXPECT_EQ(sxFormDerived(source).value, 42) << "implicit copies keep the fields";
 }

@@ -7,34 +7,19 @@
 
 #include "support/sxTestClasses.h"
 
-// Classes used by one test each, so that the order of tests does not matter.
-class sxTestLazy : public sxBase {
- public:
-  SX_DECLARE_CLASS(sxTestLazy)
-  SX_DEFAULT_CONSTRUCTORS(sxTestLazy, sxBase)
-};
-SX_IMPLEMENT_CLASS(sxTestLazy, sxBase, sxType)
-
-class sxTestTransient : public sxBase {
- public:
-  SX_DECLARE_CLASS(sxTestTransient)
-  SX_DEFAULT_CONSTRUCTORS(sxTestTransient, sxBase)
-};
-SX_IMPLEMENT_CLASS(sxTestTransient, sxBase, sxType)
-
-class sxTestFindable : public sxBase {
- public:
-  SX_DECLARE_CLASS(sxTestFindable)
-  SX_DEFAULT_CONSTRUCTORS(sxTestFindable, sxBase)
-};
-SX_IMPLEMENT_CLASS(sxTestFindable, sxBase, sxType)
-
-class sxTestFindableChild : public sxTestFindable {
- public:
-  SX_DECLARE_CLASS(sxTestFindableChild)
-  SX_DEFAULT_CONSTRUCTORS(sxTestFindableChild, sxTestFindable)
-};
-SX_IMPLEMENT_CLASS(sxTestFindableChild, sxTestFindable, sxType)
+// Classes in the superseded form, each used by one test, so that the order
+// of tests does not matter.
+#define SX_TEST_CLASS(Class, Parent)       \
+  class Class : public Parent {            \
+   public:                                 \
+    SX_DECLARE_CLASS(Class)                \
+    SX_DEFAULT_CONSTRUCTORS(Class, Parent) \
+  };                                       \
+  SX_IMPLEMENT_CLASS(Class, Parent, sxType)
+SX_TEST_CLASS(sxTestLazy, sxBase)
+SX_TEST_CLASS(sxTestTransient, sxBase)
+SX_TEST_CLASS(sxTestFindable, sxBase)
+SX_TEST_CLASS(sxTestFindableChild, sxTestFindable)
 
 // Lookups in any letter case are tested with every library class below.
 TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
@@ -94,25 +79,20 @@ TEST(sxType, InitialisingAllAnnouncedClassesTerminates) {
   EXPECT_NE(sxType::findType("sxScene"), nullptr);
 }
 
-TEST(sxType, DerivedObjectsAreListedUnderTheirOwnClassOnly) {
-  int base = sxBase::getNum(false);
-  int nodes = sxTestNode::getNum(false);
-  int leaves = sxTestLeaf::getNum(false);
-  auto* leaf = new sxTestLeaf;
-  EXPECT_EQ(sxBase::getNum(false), base + 1);
-  EXPECT_EQ(sxTestNode::getNum(false), nodes);
-  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 1);
-  EXPECT_EQ(sxTestNode::getNum(true), nodes + leaves + 1);
-  auto* copy = static_cast<sxTestLeaf*>(sxTestLeaf::createInstance(leaf));
-  ASSERT_NE(copy, nullptr);
-  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 2);
-  // A source of another class is refused.
+// Creation from a source copies an object of exactly the class; the copy
+// is listed under its own class only.
+TEST(sxType, CreationFromASourceCopiesOnlyItsOwnClass) {
+  const int nodes = sxTestNode::getNum(false), leaves = sxTestLeaf::getNum(false);
+  sxTestLeaf leaf;
   sxTestNode other;
+  sxRef<sxBase> copy(sxTestLeaf::createInstance(&leaf));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_TRUE(copy->isOfExactType(sxTestLeaf::getClassType()));
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 2);
+  EXPECT_EQ(sxTestNode::getNum(true), nodes + leaves + 3);
   EXPECT_EQ(sxTestLeaf::createInstance(&other), nullptr);
-  copy->unRef();
-  leaf->unRef();
-  EXPECT_EQ(sxTestLeaf::getNum(false), leaves);
-  EXPECT_EQ(sxBase::getNum(false), base + 1);  // `other` is still alive
+  copy.reset();
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 1);
 }
 
 TEST(sxType, FindWalksInstancesInGetOrder) {
