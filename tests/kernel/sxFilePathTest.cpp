@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "support/sxTestFiles.h"
 
@@ -15,35 +16,29 @@ class FilePaths : public testing::Test {
   void SetUp() override { sxDeleteFilePaths(); }
   void TearDown() override { sxDeleteFilePaths(); }
 };
+
+std::vector<std::string> filePaths() {
+  std::vector<std::string> paths;
+  for (int i = 0; i < sxGetNumFilePaths(); ++i) paths.push_back(sxGetFilePath(i));
+  return paths;
+}
+using Paths = std::vector<std::string>;
 }  // namespace
 
+// Each entry ends in a separator (a backslash is one too) and is kept once,
+// compared by case; lists split at semicolons and keep their order.
 TEST_F(FilePaths, EntriesEndInASeparatorAndAreUnique) {
-  sxAddFilePath("data");
-  EXPECT_EQ(sxGetNumFilePaths(), 1);
-  EXPECT_STREQ(sxGetFilePath(0), "data/");
-  sxAddFilePath("data/");
-  EXPECT_EQ(sxGetNumFilePaths(), 1);
-  sxAddFilePath("Data/");  // case-sensitive comparison
-  EXPECT_EQ(sxGetNumFilePaths(), 2);
-  sxAddFilePath("win\\");  // a backslash is a separator too
-  EXPECT_STREQ(sxGetFilePath(2), "win\\");
+  for (const char* path : {"data", "data/", "Data/", "win\\", ""}) sxAddFilePath(path);
   sxAddFilePath(nullptr);
-  sxAddFilePath("");
-  EXPECT_EQ(sxGetNumFilePaths(), 3);
+  EXPECT_EQ(filePaths(), (Paths{"data/", "Data/", "win\\"}));
   EXPECT_EQ(sxGetFilePath(3), nullptr);
   EXPECT_EQ(sxGetFilePath(-1), nullptr);
-}
-
-TEST_F(FilePaths, ListsSplitAtSemicolonsInOrder) {
+  sxDeleteFilePaths();
   sxAddFilePaths("a;b;");
-  ASSERT_EQ(sxGetNumFilePaths(), 2);
-  EXPECT_STREQ(sxGetFilePath(0), "a/");
-  EXPECT_STREQ(sxGetFilePath(1), "b/");
+  EXPECT_EQ(filePaths(), (Paths{"a/", "b/"}));
   sxAddFilePaths(";;c;a;d");
-  ASSERT_EQ(sxGetNumFilePaths(), 4);
-  EXPECT_STREQ(sxGetFilePath(2), "c/");
-  EXPECT_STREQ(sxGetFilePath(3), "d/");
   sxAddFilePaths(nullptr);
+  EXPECT_EQ(filePaths(), (Paths{"a/", "b/", "c/", "d/"}));
   sxDeleteFilePaths();
   EXPECT_EQ(sxGetNumFilePaths(), 0);
 }
@@ -51,11 +46,9 @@ TEST_F(FilePaths, ListsSplitAtSemicolonsInOrder) {
 TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
   sxTempDir dir;
   std::string first = dir.file("one"), second = dir.file("two");
-  ASSERT_EQ(mkdir(first.c_str(), 0755), 0);
-  ASSERT_EQ(mkdir(second.c_str(), 0755), 0);
-  std::ofstream(second + "/scene.sx") << "x";
-  std::ofstream(first + "/both.sx") << "x";
-  std::ofstream(second + "/both.sx") << "x";
+  for (const std::string& d : {first, second}) ASSERT_EQ(mkdir(d.c_str(), 0755), 0);
+  for (const std::string& f : {second + "/scene.sx", first + "/both.sx", second + "/both.sx"})
+    std::ofstream(f) << "x";
 
   char out[512];
   EXPECT_EQ(sxFindFile("scene.sx", sizeof out, out), 0);  // no search path yet
@@ -86,9 +79,7 @@ TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
 TEST(sxGetFileName, PointsAfterTheLastSeparator) {
   const char* p = "a\\b/c.x";
   EXPECT_EQ(sxGetFileName(p), p + 4);
-  EXPECT_EQ(sxGetFileName("dir/"), nullptr);
-  EXPECT_EQ(sxGetFileName("dir\\"), nullptr);
-  EXPECT_EQ(sxGetFileName(""), nullptr);
+  for (const char* dir : {"dir/", "dir\\", ""}) EXPECT_EQ(sxGetFileName(dir), nullptr) << dir;
   EXPECT_EQ(sxGetFileName(nullptr), nullptr);
   const char* bare = "plain.sx";
   EXPECT_EQ(sxGetFileName(bare), bare);

@@ -49,8 +49,7 @@ TEST(sxKernel, MessagesGoToTheHandlerOrStandardOutput) {
   sxMessage("value %d of %s\n", 42, "x");
   EXPECT_EQ(captured, "value 42 of x\n");
   // Longer text is cut to the handler's buffer, never overrun.
-  std::string longText(5000, 'y');
-  sxMessage("%s", longText.c_str());
+  sxMessage("%s", std::string(5000, 'y').c_str());
   EXPECT_EQ(captured.size(), std::string("value 42 of x\n").size() + 2047);
   capture.reset();
   testing::internal::CaptureStdout();

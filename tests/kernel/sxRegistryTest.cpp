@@ -3,9 +3,9 @@
 
 #include <unistd.h>
 
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -40,17 +40,14 @@ TEST_F(RegistryFile, ValuesRoundTripByType) {
   int i = 0;
   float f = 0;
   char s[256];
-  EXPECT_TRUE(sxReadRegistry("COUNT", i));
+  EXPECT_TRUE(sxReadRegistry("COUNT", i) && sxReadRegistry("Ratio", f));
   EXPECT_EQ(i, -3);
-  EXPECT_TRUE(sxReadRegistry("Ratio", f));
   EXPECT_EQ(f, 1.25f);
   EXPECT_TRUE(sxReadRegistry("Title", s));
   EXPECT_STREQ(s, "line one\nback\\slash");
   // A float is stored as its raw bits in an integer value.
   EXPECT_TRUE(sxReadRegistry("Ratio", i));
-  float back;
-  std::memcpy(&back, &i, 4);
-  EXPECT_EQ(back, 1.25f);
+  EXPECT_EQ(std::bit_cast<float>(i), 1.25f);
   EXPECT_EQ(messages, "");
 }
 
@@ -58,10 +55,9 @@ TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
   int i = 7;
   float f = 2.0f;
   char s[256] = "untouched";
-  // No store at all.
-  EXPECT_FALSE(sxReadRegistry("Count", i));
-  EXPECT_FALSE(sxReadRegistry("Title", s));
-  EXPECT_EQ(messages, "");  // integer and string reads are silent
+  // No store at all: integer and string reads fail without a word.
+  EXPECT_FALSE(sxReadRegistry("Count", i) || sxReadRegistry("Title", s));
+  EXPECT_EQ(messages, "");
   EXPECT_FALSE(sxReadRegistry("Ratio", f));
   EXPECT_EQ(messages, "Cannot read key <Ratio> from the registry.\n");
   EXPECT_EQ(i, 7);
@@ -70,20 +66,15 @@ TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
   writeStore(
       "garbage line\n=dword:1\nBig=dword:4294967296\nNeg=dword:-1\nBad=dword:12x\n"
       "Esc=sz:bad\\q\nOk=dword:4294967295\nText=sz:\nWeird=blob:1\n");
-  EXPECT_FALSE(sxReadRegistry("Big", i));
-  EXPECT_FALSE(sxReadRegistry("Neg", i));
-  EXPECT_FALSE(sxReadRegistry("Bad", i));
-  EXPECT_FALSE(sxReadRegistry("Esc", s));
-  EXPECT_FALSE(sxReadRegistry("Weird", i));
-  EXPECT_FALSE(sxReadRegistry(nullptr, i));
-  EXPECT_FALSE(sxReadRegistry("", i));
+  for (const char* name : {"Big", "Neg", "Bad", "Weird", ""})
+    EXPECT_FALSE(sxReadRegistry(name, i)) << name;
+  EXPECT_FALSE(sxReadRegistry(nullptr, i) || sxReadRegistry("Esc", s));
   EXPECT_TRUE(sxReadRegistry("Ok", i));
   EXPECT_EQ(i, -1);
   EXPECT_TRUE(sxReadRegistry("Text", s));
   EXPECT_STREQ(s, "");
   // A string too long for the 256-byte buffer is refused, not overrun.
-  std::string longValue(300, 'z');
-  EXPECT_TRUE(sxWriteRegistry("Long", longValue.c_str()));
+  EXPECT_TRUE(sxWriteRegistry("Long", std::string(300, 'z').c_str()));
   EXPECT_FALSE(sxReadRegistry("Long", s));
   // The other lines survive a rewrite.
   EXPECT_TRUE(sxReadRegistry("Ok", i));
@@ -92,31 +83,27 @@ TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
 TEST_F(RegistryFile, UnwritableStoreReportsAndLeavesNothingBehind) {
   setenv("SX_REGISTRY_FILE", "/proc/sxCoreNoSuchDir/registry", 1);
   EXPECT_FALSE(sxWriteRegistry("Count", 1));
-  EXPECT_EQ(messages, "Cannot write key <Count> to the registry.\n");
-  messages.clear();
   EXPECT_FALSE(sxWriteRegistry("Title", static_cast<const char*>(nullptr)));
-  EXPECT_EQ(messages, "Cannot write key <Title> to the registry.\n");
-  messages.clear();
   EXPECT_FALSE(sxWriteRegistry("bad=name", 1));
-  EXPECT_EQ(messages, "Cannot write key <bad=name> to the registry.\n");
+  EXPECT_EQ(messages,
+            "Cannot write key <Count> to the registry.\nCannot write key <Title> to the registry.\n"
+            "Cannot write key <bad=name> to the registry.\n");
 }
 
 TEST_F(RegistryFile, TextureUnitsAreReadAtLoadTime) {
-  std::string tool = std::string(SXCORE_BINARY_DIR) + "/tools/sxtool";
+  const std::string tool = std::string(SXCORE_BINARY_DIR) + "/tools/sxtool";
   if (access(tool.c_str(), X_OK) != 0) GTEST_SKIP() << "sxtool not built";
+  const auto expectInfo = [&](const char* line) {
+    FILE* p = popen((tool + " info").c_str(), "r");
+    ASSERT_NE(p, nullptr);
+    std::string out;
+    char buf[512];
+    while (std::fgets(buf, sizeof buf, p)) out += buf;
+    EXPECT_EQ(pclose(p), 0);
+    EXPECT_NE(out.find(line), std::string::npos) << out;
+  };
   writeStore("NumTextureUnits=dword:4\n");
-  std::string cmd = tool + " info";
-  FILE* p = popen(cmd.c_str(), "r");
-  ASSERT_NE(p, nullptr);
-  std::string out;
-  char buf[512];
-  while (std::fgets(buf, sizeof buf, p)) out += buf;
-  EXPECT_EQ(pclose(p), 0);
-  EXPECT_NE(out.find("NumTextureUnits: 4"), std::string::npos) << out;
+  expectInfo("NumTextureUnits: 4");
   writeStore("NumTextureUnits=sz:four\n");  // unreadable: the default
-  p = popen(cmd.c_str(), "r");
-  out.clear();
-  while (std::fgets(buf, sizeof buf, p)) out += buf;
-  pclose(p);
-  EXPECT_NE(out.find("NumTextureUnits: 1"), std::string::npos) << out;
+  expectInfo("NumTextureUnits: 1");
 }
