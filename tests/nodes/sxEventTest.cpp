@@ -135,7 +135,6 @@ TEST(sxEvent, RemovingMovesTheLastIntoTheHoleAndReleases) {
   // An action that removes itself while it runs lives until it returns.
   e->addAction(new FunctionAction([&](sxBase*, sxEvent* event) {
     event->removeAction(event->getAction(event->getNumActions() - 1));
-    return true;
   }));
   e->trigger(nullptr);
   EXPECT_EQ(e->getNumActions(), 2);
@@ -172,7 +171,6 @@ TEST(sxEvent, ActionsOfOneEventNeverOverlap) {
     if (inside.fetch_add(1) != 0) overlaps.fetch_add(1);
     runs.fetch_add(1);
     inside.fetch_sub(1);
-    return true;
   }));
   inThreads(4, [&](int) {
     for (int k = 0; k < 2000; ++k) {

@@ -44,14 +44,17 @@ class SlowAction : public CountingAction {
   }
 };
 
-// Runs a function as its apply.
+// Runs a function as its apply, which then succeeds.
 class FunctionAction : public sxAction {
  public:
-  explicit FunctionAction(std::function<bool(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
-  bool apply(sxBase* object, sxEvent* event) override { return fn(object, event); }
+  explicit FunctionAction(std::function<void(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
+  bool apply(sxBase* object, sxEvent* event) override {
+    fn(object, event);
+    return true;
+  }
 
  private:
-  std::function<bool(sxBase*, sxEvent*)> fn;
+  std::function<void(sxBase*, sxEvent*)> fn;
 };
 
 // Counts its destruction in a slot of its own.

@@ -119,10 +119,7 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   self->ref();
   std::atomic<bool> handedOver{false};
   auto* once = new FunctionAction([&, done = false](sxBase*, sxEvent*) mutable {
-    if (done || !handedOver.load()) return true;
-    done = true;
-    self->unRef();
-    return true;
+    if (handedOver.load() && !std::exchange(done, true)) self->unRef();
   });
   self->addAction(once);
   self->run();
@@ -142,10 +139,8 @@ TEST(sxDeferredDeletion, AThreadIsNeverJoinedByAThreadItWaitsFor) {
   ASSERT_TRUE(a->addDownstreamThread(b));  // a takes this link along
   a->run();
   b->run();
-  auto slow = make<FunctionAction>([](sxBase*, sxEvent*) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(30));
-    return true;
-  });
+  auto slow = make<FunctionAction>(
+      [](sxBase*, sxEvent*) { std::this_thread::sleep_for(std::chrono::milliseconds(30)); });
   b->addActionToQueue(slow.get());  // keeps b busy while a's request arrives
   a->unRef();
   app()->processQueue(false);  // the request goes to a, then on to b
@@ -183,7 +178,6 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
         forC.back()->unRef();
         forC.pop_back();
       }
-      return true;
     });
     c->addAction(releaser);
     p.runAll();

@@ -33,10 +33,8 @@ TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
   Pipeline p;
   sxThread* t = p.add();         // never run: its queue is carried out from here
   CountingAction later, direct;  // the queue takes no references
-  FunctionAction poster([&](sxBase* object, sxEvent*) {
-    static_cast<sxThread*>(object)->addActionToQueue(&later);
-    return true;
-  });
+  FunctionAction poster(
+      [&](sxBase* object, sxEvent*) { static_cast<sxThread*>(object)->addActionToQueue(&later); });
   t->addActionToQueue(&poster);
   t->addActionToQueue(&direct);
   t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
@@ -96,7 +94,6 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
     RecordingFlush f;
     self->addActionToQueue(&f);
     flushedInside.store(queued.count.load() + f.posts);
-    return true;
   });
   t->addActionToQueue(&selfFlush);
   ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));

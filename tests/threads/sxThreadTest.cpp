@@ -42,7 +42,6 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   std::atomic<bool> sawItself{false};
   auto probe = make<FunctionAction>([&](sxBase*, sxEvent*) {
     sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
-    return true;
   });
   t->addInitAction(init.get());
   t->addAction(each.get());
@@ -124,7 +123,6 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   auto killer = make<FunctionAction>([&](sxBase*, sxEvent*) {
     sxThread::getCurrentThread()->kill();
     afterKill.fetch_add(1);
-    return true;
   });
   for (sxAction* a : std::initializer_list<sxAction*>{first.get(), killer.get(), after.get()})
     other->addAction(a);
