@@ -36,7 +36,9 @@ TEST(sxBase, NamesAreOwnedCopiesReplacedOnEverySet) {
   EXPECT_EQ(b.getName(), nullptr);
 }
 
-TEST(sxBase, CopyTakesFlagsAndNameButNotCountOrAttributes) {
+// A copy takes the flags and the name but not the count or the attributes;
+// equality compares flags and names (byte for byte) only.
+TEST(sxBase, CopiesAndEqualityTakeFlagsAndNamesOnly) {
   auto* attr = new sxTestNode;
   sxTestNode a;
   a.setName("orig");
@@ -51,6 +53,18 @@ TEST(sxBase, CopyTakesFlagsAndNameButNotCountOrAttributes) {
   EXPECT_EQ(b.getAttribList(), nullptr);
   EXPECT_EQ(b.value, 7);
   EXPECT_EQ(attr->getRefCount(), 1);
+  EXPECT_TRUE(a == b);  // counts and attributes are not compared
+  sxBase plain;         // nor classes
+  plain.setName("orig");
+  EXPECT_TRUE(plain != b);  // the flags differ
+  b.enableDynamic(false);
+  EXPECT_TRUE(plain == b);
+  b.setName("ORIG");
+  EXPECT_TRUE(plain != b);
+  b.setName(nullptr);
+  EXPECT_TRUE(plain != b);
+  plain.setName(nullptr);
+  EXPECT_TRUE(plain == b);
 }
 
 TEST(sxBase, DestructorReleasesAttributesLastToFirst) {
@@ -75,24 +89,6 @@ TEST(sxBase, DestructorReleasesAttributesLastToFirst) {
   EXPECT_EQ(shared->getRefCount(), 1);
   shared->unRef();
   EXPECT_EQ(order.back(), 99);
-}
-
-TEST(sxBase, EqualityComparesFlagsAndNamesOnly) {
-  sxBase a, b;
-  sxTestNode c;
-  EXPECT_TRUE(a == c);  // unnamed, equal flags, different classes
-  a.setName("x");
-  EXPECT_TRUE(a != c);  // one name null
-  c.setName("x");
-  EXPECT_TRUE(a == c);
-  c.setName("X");
-  EXPECT_TRUE(a != c);  // byte-for-byte
-  b.setName("x");
-  b.enableDynamic(true);
-  EXPECT_TRUE(a != b);
-  a.ref();
-  b.enableDynamic(false);
-  EXPECT_TRUE(a == b);  // counts are not compared
 }
 
 TEST(sxBase, TypeQueriesFollowTheClassTree) {
