@@ -18,6 +18,9 @@
 
 namespace sxtest {
 
+// Numbers the applications of counting actions in the order they happen.
+inline std::atomic<int> ticks{0};
+
 // Counts its applications and remembers what it was last given.
 class CountingAction : public sxAction {
  public:
@@ -25,10 +28,11 @@ class CountingAction : public sxAction {
     lastObject.store(object);
     lastEvent.store(event);
     lastThread.store(sxThread::getCurrentThread());
+    tick.store(++ticks);
     count.fetch_add(1);
     return result.load();
   }
-  std::atomic<int> count{0};
+  std::atomic<int> count{0}, tick{0};
   std::atomic<sxBase*> lastObject{nullptr};
   std::atomic<sxEvent*> lastEvent{nullptr};
   std::atomic<sxThread*> lastThread{nullptr};

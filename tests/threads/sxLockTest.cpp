@@ -7,45 +7,28 @@
 
 namespace {
 
-// Holds a lock on a thread of its own until release().
-class Holder {
- public:
-  explicit Holder(sxLock& lock)
-      : thread([this, &lock] {
-          lock.acquire();
-          held.store(true);
-          sxtest::waitUntil([this] { return done.load(); });
-          lock.release();
-        }) {
-    sxtest::waitUntil([this] { return held.load(); });
-  }
-  ~Holder() { release(); }
-  void release() {
-    done.store(true);
-    if (thread.joinable()) thread.join();
-  }
-
- private:
-  std::atomic<bool> held{false}, done{false};
-  std::thread thread;
-};
+using namespace sxtest;
 
 // True when another thread can take the lock within timeoutMs (and gives
 // it back at once).
 bool freeForOthers(sxLock& lock, int timeoutMs = 0) {
   bool taken = false;
-  std::thread other([&] {
+  std::thread([&] {
     taken = lock.acquire(timeoutMs);
     if (taken) lock.release();
-  });
-  other.join();
+  }).join();
   return taken;
 }
 
-TEST(sxLock, RecursiveForItsOwnerAndTimedForOthers) {
+// A copy is a new lock with the source's timeout that nobody holds.
+TEST(sxLock, RecursiveForItsOwnerTimedForOthersAndCopiedUnowned) {
   sxLock lock;
+  lock.setTimeout(250);
   EXPECT_TRUE(lock.acquire());
   EXPECT_TRUE(lock.acquire(0));  // recursion never waits
+  sxLock copy(lock);
+  EXPECT_EQ(copy.getTimeout(), 250);
+  EXPECT_TRUE(freeForOthers(copy));
   auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(freeForOthers(lock, 30));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
@@ -67,7 +50,7 @@ TEST(sxLock, MutualExclusionUnderContention) {
   sxLock lock;
   long long counter = 0;  // plain: only the lock protects it
   constexpr int threads = 4, rounds = 20000;
-  sxtest::inThreads(threads, [&](int) {
+  inThreads(threads, [&](int) {
     for (int i = 0; i < rounds; ++i) {
       lock.acquire();
       lock.acquire();  // nested, as kernel code does
@@ -79,22 +62,17 @@ TEST(sxLock, MutualExclusionUnderContention) {
   EXPECT_EQ(counter, static_cast<long long>(threads) * rounds);
 }
 
-TEST(sxLock, CopyIsANewUnownedLock) {
-  sxLock source;
-  source.setName("source");
-  source.setTimeout(250);
-  source.acquire();
-  sxLock copy(source);
-  EXPECT_EQ(copy.getTimeout(), 250);
-  EXPECT_TRUE(freeForOthers(copy));
-  source.release();
-}
-
 TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   sxLock mine, theirs;
   mine.acquire();
-  Holder holder(theirs);
-
+  std::atomic<bool> held{false}, done{false};
+  std::thread holder([&] {
+    theirs.acquire();
+    held.store(true);
+    waitUntil([&] { return done.load(); });
+    theirs.release();
+  });
+  EXPECT_TRUE(waitUntil([&] { return held.load(); }));
   sxLock::enableAll(false);
   EXPECT_FALSE(sxLock::isEnabled());
   // Nothing waits while locks are off, not even for a lock another thread
@@ -108,7 +86,8 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_FALSE(mine.isHeldByCurrentThread());
   EXPECT_TRUE(freeForOthers(mine));
   EXPECT_FALSE(theirs.acquire(0));
-  holder.release();
+  done.store(true);
+  holder.join();
   EXPECT_TRUE(freeForOthers(theirs));
 }
 

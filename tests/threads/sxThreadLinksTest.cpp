@@ -7,6 +7,8 @@
 namespace {
 
 using namespace sxtest;
+using Link = std::pair<sxThread*, sxThread*>;
+using Upstream = std::pair<sxThread*, int>;
 
 TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
   const int links = sxThread::getTotalNumDownstreamThreads();
@@ -16,11 +18,9 @@ TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
   sxThread* c = p.add();
   sxThread* dead = p.add();
   dead->kill();
-
   ASSERT_TRUE(p.link(a, b));
   ASSERT_TRUE(p.link(b, c));
   // None, itself, a dead thread either way, a link already made, a cycle.
-  using Link = std::pair<sxThread*, sxThread*>;
   for (auto [up, down] : {Link{a, nullptr}, {a, a}, {a, dead}, {dead, a}, {a, b}, {c, a}, {b, a}})
     EXPECT_FALSE(up->addDownstreamThread(down));
   EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
@@ -28,11 +28,9 @@ TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
   EXPECT_EQ(a->getDownstreamThread(0), b);
   EXPECT_EQ(a->getDownstreamThread(1), nullptr);
   EXPECT_EQ(a->getDownstreamThread(-1), nullptr);
-
   EXPECT_TRUE(c->hasAncestor(a) && c->hasAncestor(b));
   for (auto [t, ancestor] : {Link{a, c}, {a, a}, {c, nullptr}})
     EXPECT_FALSE(t->hasAncestor(ancestor));
-
   EXPECT_FALSE(a->removeDownstreamThread(c));  // not a direct link
   EXPECT_FALSE(a->removeDownstreamThread(nullptr));
   EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
@@ -46,24 +44,19 @@ TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
   ASSERT_TRUE(p.link(second, fed));
   sxThread* sibling = p.addBelow(first);
   sxThread* stranger = p.add();
-  EXPECT_EQ(fed->getUpstreamThread(), first);
-  EXPECT_EQ(fed->getNumUpstreamThreads(), 2);
-
-  EXPECT_TRUE(fed->shareCommonAncestor(sibling));  // both fed by first
-  EXPECT_TRUE(sibling->shareCommonAncestor(fed));
-  EXPECT_FALSE(fed->shareCommonAncestor(stranger));
-  EXPECT_FALSE(first->shareCommonAncestor(second));  // neither is fed
-  EXPECT_FALSE(fed->shareCommonAncestor(nullptr));
-
+  EXPECT_EQ(std::pair(fed->getUpstreamThread(), fed->getNumUpstreamThreads()), Upstream(first, 2));
+  EXPECT_TRUE(fed->shareCommonAncestor(sibling) && sibling->shareCommonAncestor(fed));
+  // Not with an unlinked thread, nor where neither is fed, nor with none.
+  for (auto [x, y] : {Link{fed, stranger}, {first, second}, {fed, nullptr}})
+    EXPECT_FALSE(x->shareCommonAncestor(y));
   EXPECT_TRUE(first->removeDownstreamThread(fed));
   EXPECT_EQ(fed->getUpstreamThread(), second);
   EXPECT_FALSE(fed->shareCommonAncestor(sibling));
   EXPECT_TRUE(second->removeDownstreamThread(fed));
-  EXPECT_EQ(fed->getUpstreamThread(), nullptr);
-  EXPECT_EQ(fed->getNumUpstreamThreads(), 0);
+  EXPECT_EQ(std::pair(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
+            Upstream(nullptr, 0));
   // Now the former cycle is allowed the other way round.
-  EXPECT_TRUE(fed->addDownstreamThread(first));
-  EXPECT_TRUE(fed->removeDownstreamThread(first));
+  EXPECT_TRUE(fed->addDownstreamThread(first) && fed->removeDownstreamThread(first));
 }
 
 }  // namespace

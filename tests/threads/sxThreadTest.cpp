@@ -163,12 +163,9 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
 TEST(sxThread, PriorityAndProcessorRequests) {
   Pipeline p;
   sxThread* t = p.add(sxThread::TRIGGERED);
-  EXPECT_FALSE(t->setPriority(32));
-  EXPECT_FALSE(t->setPriority(-1));
+  for (int outOfRange : {32, -1}) EXPECT_FALSE(t->setPriority(outOfRange)) << outOfRange;
   // The idle band only lowers the priority, which needs no privilege.
-  EXPECT_TRUE(t->setPriority(5));
-  EXPECT_TRUE(t->setPriority(0));
-
+  EXPECT_TRUE(t->setPriority(5) && t->setPriority(0));
   cpu_set_t set;
   ASSERT_EQ(sched_getaffinity(0, sizeof set, &set), 0);
   std::uint64_t allowed = 0;
@@ -179,12 +176,10 @@ TEST(sxThread, PriorityAndProcessorRequests) {
   EXPECT_TRUE(t->setProcessors(lowest));
   EXPECT_TRUE(t->setProcessors(~0u));  // cut down to what the process may use
   EXPECT_FALSE(t->setProcessors(0));
-  if (~allowed & 0xFFFFFFFFu) {
-    EXPECT_FALSE(t->setProcessors(unsigned(~allowed)));
-  }
+  const unsigned outside = unsigned(~allowed);  // processors the process may not use
+  EXPECT_TRUE(outside == 0 || !t->setProcessors(outside));
   t->kill();
-  EXPECT_FALSE(t->setPriority(5));
-  EXPECT_FALSE(t->setProcessors(lowest));
+  EXPECT_FALSE(t->setPriority(5) || t->setProcessors(lowest));
 }
 
 }  // namespace
