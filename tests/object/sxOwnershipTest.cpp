@@ -6,11 +6,10 @@
 
 #include <atomic>
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "support/sxTestClasses.h"
 #include "support/sxTestFiles.h"
+#include "support/sxThreadTestSupport.h"
 
 TEST(sxOwnership, ObjectsReadFromAFileOutliveItsClose) {
   sxTempDir dir;
@@ -78,16 +77,12 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
 
 TEST(sxOwnership, ReleaseWithoutDeleteIsOneAtomicStep) {
   sxRef<sxTestNode> owner(new sxTestNode);
-  constexpr int threads = 4, rounds = 20000;
-  std::vector<std::thread> workers;
-  for (int t = 0; t < threads; ++t)
-    workers.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        owner->ref();
-        owner->unRefNoDelete();
-      }
-    });
-  for (std::thread& w : workers) w.join();
+  sxtest::inThreads(4, [&](int) {
+    for (int i = 0; i < 20000; ++i) {
+      owner->ref();
+      owner->unRefNoDelete();
+    }
+  });
   EXPECT_EQ(owner->getRefCount(), 1);
   sxTestNode* raw = owner.release();
   EXPECT_EQ(raw->getRefCount(), 0) << "at 0 and alive";
@@ -98,15 +93,14 @@ TEST(sxOwnership, AMillionLinkChainIsDestroyedWithoutDeepRecursion) {
   constexpr int length = 1000000;
   const int destroyed = sxTestNode::destroyed;
   const int before = sxBase::getNum(false);
-  sxTestNode* head = new sxTestNode;
-  head->ref();
-  sxTestNode* link = head;
+  sxRef<sxTestNode> head(new sxTestNode);
+  sxTestNode* link = head.get();
   for (int i = 1; i < length; ++i) {
     sxTestNode* next = new sxTestNode;
     link->addAttribute(next);
     link = next;
   }
-  head->unRef();
+  head.reset();
   EXPECT_EQ(sxTestNode::destroyed, destroyed + length);
   EXPECT_EQ(sxBase::getNum(false), before);
 }

@@ -25,8 +25,9 @@ TEST(sxPlugIn, ModuleNamesAreUpperCasedFileNamesWithoutTheDebugMarker) {
 
 // The library's own record is found by its module's name or handle, owns
 // the built-in classes, is neither saved with files nor unloaded, and
-// loading a module of that name again returns it without a word.
-TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloaded) {
+// loading a module of that name again returns it without a word. Other
+// records cannot be made on the heap and leave the list when destroyed.
+TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloadedOthersAreListedWhileTheyLive) {
   sxPlugIn* kernel = sxPlugIn::find("sxcore.dll");
   ASSERT_NE(kernel, nullptr);
   EXPECT_NE(kernel->getVersion(), sxGetVersion()) << "the record's build is 0";
@@ -43,9 +44,6 @@ TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloaded) {
   EXPECT_EQ(sxPlugIn::load("C:\\bin\\sxcore.dll"), kernel);
   EXPECT_EQ(sxtest::MessageCapture::text(), "") << "a known module is not announced";
   EXPECT_EQ(sxPlugIn::load(nullptr), nullptr);
-}
-
-TEST(sxPlugIn, RecordsCannotBeCreatedOnTheHeapAndLeaveTheListWhenDestroyed) {
   EXPECT_EQ(new sxPlugIn, nullptr);
   int before = sxPlugIn::getNum();
   {

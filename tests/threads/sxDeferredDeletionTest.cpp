@@ -58,8 +58,7 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   sxThread* c = p.add();
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
-  auto* early = new Probe(&destroyed);
-  early->unRef();  // counted with two links
+  (new Probe(&destroyed))->unRef();  // counted with two links
   app()->processQueue(false);
   // A third link appears while the request sits in a's queue, and a link
   // it would have used goes away.
@@ -68,12 +67,11 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   EXPECT_EQ(destroyed.load(), 0);
   ASSERT_TRUE(a->removeDownstreamThread(b));
   p.links.erase(std::find(p.links.begin(), p.links.end(), std::make_pair(a, b)));
-  auto* late = new Probe(&destroyed);
-  late->unRef();  // counted with two links again
+  (new Probe(&destroyed))->unRef();  // counted with two links again
   app()->processQueue(false);
   a->processQueue(false);
   c->processQueue(false);
-  EXPECT_EQ(destroyed.load(), 1);  // late is done; early still sits with b
+  EXPECT_EQ(destroyed.load(), 1);  // the second is done; the first still sits with b
   b->processQueue(false);
   EXPECT_EQ(destroyed.load(), 2);
   EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
@@ -105,11 +103,10 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
 
 TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   const int threads = sxThread::getNum();
-  auto* w = new sxThread;
-  w->ref();
-  ASSERT_TRUE(app()->addDownstreamThread(w));
+  sxRef<sxThread> w(new sxThread);
+  ASSERT_TRUE(app()->addDownstreamThread(w.get()));
   w->run();
-  w->unRef();  // the last reference; the thread itself is the last to pass
+  w.reset();  // the last reference; the thread itself is the last to pass
   app()->processQueue(false);
   ASSERT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
   EXPECT_EQ(app()->getNumDownstreamThreads(), 0);
@@ -159,11 +156,7 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
   const int pending = sxBase::getNumPendingDeletions();
   std::vector<std::atomic<int>> destroyed(static_cast<size_t>(objects));
   std::vector<Probe*> probes;
-  probes.reserve(size_t(objects));
-  for (auto& d : destroyed) {
-    probes.push_back(new Probe(&d));
-    probes.back()->ref();
-  }
+  for (auto& d : destroyed) probes.emplace_back(new Probe(&d))->ref();
   // The last thread of the chain releases every fifth object as it loops.
   std::mutex handOver;
   std::vector<Probe*> forC;
@@ -204,9 +197,8 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
     });
   }
   sxThread::enableAppThreadDeletion(false);
-  int wrong = 0;
-  for (auto& d : destroyed) wrong += d.load() != 1;
-  EXPECT_EQ(wrong, 0);  // every object destroyed exactly once
+  // Every object destroyed exactly once.
+  EXPECT_EQ(std::ranges::count_if(destroyed, [](auto& d) { return d.load() != 1; }), 0);
   EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
 }
 

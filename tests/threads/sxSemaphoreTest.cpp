@@ -6,8 +6,6 @@
 
 #include "support/sxThreadTestSupport.h"
 
-namespace {
-
 using namespace sxtest;
 
 TEST(sxSemaphore, CountsMaximumAndTheCountField) {
@@ -80,5 +78,3 @@ TEST(sxSemaphore, AReleasedWaiterMayDestroyTheSemaphoreAtOnce) {
     waiter.join();
   }
 }
-
-}  // namespace

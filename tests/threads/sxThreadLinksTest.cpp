@@ -4,8 +4,6 @@
 
 #include "support/sxThreadTestSupport.h"
 
-namespace {
-
 using namespace sxtest;
 using Link = std::pair<sxThread*, sxThread*>;
 using Upstream = std::pair<sxThread*, int>;
@@ -58,5 +56,3 @@ TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
   // Now the former cycle is allowed the other way round.
   EXPECT_TRUE(fed->addDownstreamThread(first) && fed->removeDownstreamThread(first));
 }
-
-}  // namespace

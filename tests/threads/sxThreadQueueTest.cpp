@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
 #include <thread>
 #include <vector>
@@ -135,9 +136,8 @@ TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
     });
   });
   EXPECT_EQ(barrierFailures.load(), 0);
-  int wrong = 0;
-  for (auto& a : actions) wrong += a.count.load() != 1;
-  EXPECT_EQ(wrong, 0);  // each carried out exactly once
+  // Each carried out exactly once.
+  EXPECT_EQ(std::ranges::count_if(actions, [](auto& a) { return a.count.load() != 1; }), 0);
 }
 
 TEST(sxThreadQueue, QueueBetweenTwoThreadsKeepsOrder) {

@@ -5,31 +5,9 @@
 
 #include "support/sxThreadTestSupport.h"
 
-namespace {
-
 using namespace sxtest;
 
-// The thread the application runs on is neither suspended nor killed, and
-// run() on it only counts a trigger.
-TEST(sxThread, ApplicationThreadWrapper) {
-  sxThread* app = sxGetAppThread();
-  ASSERT_NE(app, nullptr);
-  EXPECT_TRUE(app->isAppThread() && sxInAppThread());
-  EXPECT_EQ(sxThread::getCurrentThread(), app);
-  app->suspend();
-  app->kill();
-  EXPECT_EQ(app->getState(), sxThread::RUNNING);
-  EXPECT_TRUE(app->inCurrentThread());
-  auto a = make();
-  app->addAction(a.get());
-  app->run();
-  EXPECT_EQ(a->count.load(), 0);
-  EXPECT_TRUE(app->apply(nullptr));
-  EXPECT_EQ(a->count.load(), 1);
-  EXPECT_TRUE(app->removeAction(a.get()));
-}
-
-TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
+TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   Pipeline p;
   const int before = sxThread::getNum();
   sxThread* t = p.add();
@@ -68,22 +46,19 @@ TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
   EXPECT_TRUE(staysAt(applied));
   EXPECT_EQ(applied(), atKill) << "kill returned after the thread ended";
   EXPECT_EQ(t->getState(), sxThread::DEAD);
-}
 
-// A triggered thread runs one iteration per run(), however early they
-// come; suspension stops a free-running one before its next iteration, and
-// killing a waiting or suspended thread ends it.
-TEST(sxThread, TriggeredAndSuspendedThreads) {
-  Pipeline p;
-  sxThread* t = p.add(sxThread::TRIGGERED);
-  auto each = make();
-  t->addAction(each.get());
-  for (int i = 0; i < 3; ++i) t->run();
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() == 3; }));
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), 3);
-  t->kill();
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
+  // A triggered thread runs one iteration per run(), however early they
+  // come; suspension stops a free-running one before its next iteration,
+  // and killing a waiting or suspended thread ends it.
+  sxThread* triggered = p.add(sxThread::TRIGGERED);
+  auto once = make();
+  triggered->addAction(once.get());
+  for (int i = 0; i < 3; ++i) triggered->run();
+  ASSERT_TRUE(waitUntil([&] { return once->count.load() == 3; }));
+  EXPECT_TRUE(staysAt([&] { return once->count.load(); }));
+  EXPECT_EQ(once->count.load(), 3);
+  triggered->kill();
+  EXPECT_EQ(triggered->getState(), sxThread::DEAD);
 
   sxThread* free = p.add();
   auto loop = make();
@@ -134,7 +109,10 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   EXPECT_LE(after->count.load(), 1);
 }
 
-TEST(sxThread, ActionListsReferenceTheirActions) {
+// Action lists reference their actions; apply runs what is left, in order,
+// with the target and no event. The thread the application runs on is
+// neither suspended nor killed, and run() on it only counts a trigger.
+TEST(sxThread, ActionListsAndTheApplicationThread) {
   Pipeline p;
   sxThread* t = p.add();
   auto a = make(), b = make(), c = make();
@@ -149,7 +127,6 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
   EXPECT_TRUE(t->removeAction(a.get()));
   EXPECT_FALSE(t->removeInitAction(b.get()));
   EXPECT_EQ(t->getNumActions(), 2);
-  // apply runs what is left, in order, with the target and no event.
   sxBase target;
   EXPECT_TRUE(t->apply(&target));
   EXPECT_EQ(a->count.load(), 0);
@@ -158,6 +135,21 @@ TEST(sxThread, ActionListsReferenceTheirActions) {
   EXPECT_TRUE(t->removeInitAction(a.get()));
   EXPECT_EQ(a->getRefCount(), 1);
   EXPECT_EQ(b->getRefCount(), 2) << "still listed";
+
+  sxThread* app = sxGetAppThread();
+  ASSERT_NE(app, nullptr);
+  EXPECT_TRUE(app->isAppThread() && sxInAppThread());
+  EXPECT_EQ(sxThread::getCurrentThread(), app);
+  app->suspend();
+  app->kill();
+  EXPECT_EQ(app->getState(), sxThread::RUNNING);
+  EXPECT_TRUE(app->inCurrentThread());
+  app->addAction(a.get());
+  app->run();
+  EXPECT_EQ(a->count.load(), 0);
+  EXPECT_TRUE(app->apply(nullptr));
+  EXPECT_EQ(a->count.load(), 1);
+  EXPECT_TRUE(app->removeAction(a.get()));
 }
 
 TEST(sxThread, PriorityAndProcessorRequests) {
@@ -181,5 +173,3 @@ TEST(sxThread, PriorityAndProcessorRequests) {
   t->kill();
   EXPECT_FALSE(t->setPriority(5) || t->setProcessors(lowest));
 }
-
-}  // namespace

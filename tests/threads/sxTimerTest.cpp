@@ -5,11 +5,7 @@
 
 #include <sx/threads/sxTimer.h>
 
-namespace {
-
-void pause(int ms) {
-  std::this_thread::sleep_for(std::chrono::milliseconds(ms));
-}
+using namespace std::chrono_literals;
 
 // Only running intervals count: a second start or stop changes nothing,
 // restart begins again from zero, reset stops at zero.
@@ -18,18 +14,18 @@ TEST(sxTimer, AccumulatesRunningIntervalsOnly) {
   sxTimer t;
   EXPECT_EQ(t.getSeconds(), 0.0);
   t.start();
-  pause(20);
+  std::this_thread::sleep_for(20ms);
   t.start();
   EXPECT_TRUE(t.isRunning());
   EXPECT_GE(t.getSeconds(), 0.019) << "includes the open interval";
   t.stop();
   t.stop();
   const double first = t.getSeconds();
-  pause(20);
+  std::this_thread::sleep_for(20ms);
   EXPECT_EQ(t.getSeconds(), first);
   EXPECT_DOUBLE_EQ(t.getMilliseconds(), first * 1000.0);
   t.start();
-  pause(20);
+  std::this_thread::sleep_for(20ms);
   t.stop();
   EXPECT_GE(t.getSeconds(), first + 0.019);
   t.restart();
@@ -39,5 +35,3 @@ TEST(sxTimer, AccumulatesRunningIntervalsOnly) {
   EXPECT_FALSE(t.isRunning());
   EXPECT_EQ(t.getMilliseconds(), 0.0);
 }
-
-}  // namespace
