@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
-#include <cstring>
 #include <vector>
 
 #include "support/sxTestClasses.h"

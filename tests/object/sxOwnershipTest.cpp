@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
-#include <atomic>
 #include <string>
 
 #include "support/sxTestClasses.h"
