@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/sxTestFiles.h"
@@ -22,8 +24,7 @@ class RecordingNode : public sxActionNode {
 };
 
 TEST(sxEvent, FindOrCreateSharesEventsByName) {
-  EXPECT_EQ(sxEvent::findOrCreate(nullptr), nullptr);
-  EXPECT_EQ(sxEvent::findOrCreate(""), nullptr);
+  EXPECT_TRUE(!sxEvent::findOrCreate(nullptr) && !sxEvent::findOrCreate(""));
   sxEvent* a = sxEvent::findOrCreate("frame");
   ASSERT_NE(a, nullptr);
   EXPECT_EQ(sxEvent::findOrCreate("FRAME"), a);  // names ignore case
@@ -39,14 +40,14 @@ TEST(sxEvent, FindOrCreateSharesEventsByName) {
   EXPECT_EQ(sxEvent::find("frame"), nullptr);
 }
 
-TEST(sxEvent, TriggerRecordsAndRunsActionsThenNodesInOrder) {
+TEST(sxEvent, TriggerRunsActionsThenNodesInOrderAndRemovalFillsTheHole) {
   auto e = make<sxEvent>();
-  auto first = make(), second = make();
+  sxRef<CountingAction> a[] = {make(), make(), make()};
   auto node = make<RecordingNode>();
-  EXPECT_FALSE(e->addAction(static_cast<sxAction*>(nullptr)));
-  EXPECT_FALSE(e->addAction(static_cast<sxActionNode*>(nullptr)));
+  EXPECT_FALSE(e->addAction(static_cast<sxAction*>(nullptr)) ||
+               e->addAction(static_cast<sxActionNode*>(nullptr)));
   EXPECT_TRUE(e->addAction(node.get()));
-  EXPECT_TRUE(e->addAction(first.get()) && e->addAction(second.get()));
+  for (auto& x : a) EXPECT_TRUE(e->addAction(x.get()));
   EXPECT_EQ(e->getNumActionNodes(), 1);
   sxBase object;
   const double before = sxGetTime();
@@ -54,16 +55,28 @@ TEST(sxEvent, TriggerRecordsAndRunsActionsThenNodesInOrder) {
   EXPECT_GE(e->getTime(), before);
   EXPECT_LE(e->getTime(), sxGetTime());
   EXPECT_EQ(e->getLastObject(), &object);
-  EXPECT_EQ(first->lastEvent.load(), e.get());
+  EXPECT_EQ(a[0]->lastEvent.load(), e.get());
   EXPECT_EQ(node->lastObject, &object);
   // Actions in order, then the action nodes.
-  EXPECT_LT(first->tick, second->tick);
-  EXPECT_LT(second->tick, node->tick);
+  EXPECT_TRUE(a[0]->tick < a[1]->tick && a[1]->tick < a[2]->tick && a[2]->tick < node->tick);
   // The static form ignores a null event.
   sxEvent::trigger(nullptr, &object);
   sxEvent::trigger(e.get(), nullptr);
-  EXPECT_EQ(first->count.load(), 2);
+  EXPECT_EQ(a[0]->count.load(), 2);
   EXPECT_EQ(e->getLastObject(), nullptr);
+  // Removal moves the last action into the hole and releases the removed.
+  EXPECT_TRUE(e->removeAction(a[0].get()));
+  EXPECT_EQ(a[0]->getRefCount(), 1);
+  EXPECT_EQ(e->getAction(0), a[2].get());
+  for (int i : {2, -1}) EXPECT_EQ(e->getAction(i), nullptr) << i;
+  EXPECT_FALSE(e->removeAction(a[0].get()) || e->removeAction(static_cast<sxAction*>(nullptr)));
+  EXPECT_FALSE(e->removeAction(make<RecordingNode>().get()));
+  // An action that removes itself while it runs lives until it returns.
+  e->addAction(new FunctionAction([&](sxBase*, sxEvent* event) {
+    event->removeAction(event->getAction(event->getNumActions() - 1));
+  }));
+  e->trigger(nullptr);
+  EXPECT_EQ(e->getNumActions(), 2);
   e.reset();  // releases its actions and nodes
   EXPECT_EQ(node->getRefCount(), 1);
 }
@@ -87,17 +100,15 @@ TEST(sxEvent, EveryTriggerWakesAllWaiters) {
       if (i % 2 ? e->waitForTrigger(60000) : e->waitForTrigger()) woken.fetch_add(1);
     });
   ASSERT_TRUE(waitUntil([&] { return started.load() == waiters; }));
-  EXPECT_TRUE(staysAt([&] { return woken.load(); }));
-  EXPECT_EQ(woken.load(), 0);
+  EXPECT_TRUE(staysAt([&] { return woken.load(); }) && woken.load() == 0);
   // A waiter has to be waiting before the trigger: try until all are woken.
   ASSERT_TRUE(waitUntil([&] {
     e->trigger(&secondObject);
     return woken.load() == waiters;
   }));
   for (auto& t : threads) t.join();
-  EXPECT_EQ(action->count.load(), 1);
-  EXPECT_EQ(e->getTime(), firstTime);
-  EXPECT_EQ(e->getLastObject(), &firstObject);
+  EXPECT_EQ(std::tuple(action->count.load(), e->getTime(), e->getLastObject()),
+            std::tuple(1, firstTime, &firstObject));
   e->enable(true);
   e->trigger(&secondObject);
   EXPECT_EQ(action->count.load(), 2);
@@ -108,32 +119,12 @@ TEST(sxEvent, EveryTriggerWakesAllWaiters) {
   EXPECT_FALSE(e->waitForTrigger(0));
 }
 
-TEST(sxEvent, RemovingMovesTheLastIntoTheHoleAndReleases) {
-  auto e = make<sxEvent>();
-  sxRef<CountingAction> a[] = {make(), make(), make()};
-  for (auto& x : a) e->addAction(x.get());
-  EXPECT_TRUE(e->removeAction(a[0].get()));
-  EXPECT_EQ(a[0]->getRefCount(), 1);
-  EXPECT_EQ(e->getAction(0), a[2].get());
-  EXPECT_EQ(e->getAction(2), nullptr);
-  EXPECT_EQ(e->getAction(-1), nullptr);
-  EXPECT_FALSE(e->removeAction(a[0].get()));
-  EXPECT_FALSE(e->removeAction(static_cast<sxAction*>(nullptr)));
-  EXPECT_FALSE(e->removeAction(make<RecordingNode>().get()));
-  // An action that removes itself while it runs lives until it returns.
-  e->addAction(new FunctionAction([&](sxBase*, sxEvent* event) {
-    event->removeAction(event->getAction(event->getNumActions() - 1));
-  }));
-  e->trigger(nullptr);
-  EXPECT_EQ(e->getNumActions(), 2);
-}
-
 TEST(sxEvent, ChainedEventsFireWithTheSameObject) {
   auto outer = make<sxEvent>(), inner = make<sxEvent>();
   auto action = make();
   inner->addAction(action.get());
-  EXPECT_FALSE(outer->addAction(outer.get()));  // not to itself
-  EXPECT_FALSE(outer->addAction(static_cast<sxEvent*>(nullptr)));
+  // Not to itself, not to none.
+  EXPECT_FALSE(outer->addAction(outer.get()) || outer->addAction(static_cast<sxEvent*>(nullptr)));
   EXPECT_TRUE(outer->addAction(inner.get()));
   sxBase object;
   outer->trigger(&object);
@@ -166,8 +157,7 @@ TEST(sxEvent, ActionsOfOneEventNeverOverlap) {
       if (k % 100 == 0) e->enable(true);
     }
   });
-  EXPECT_EQ(overlaps.load(), 0);
-  EXPECT_EQ(runs.load(), 8000);
+  EXPECT_EQ(std::pair(overlaps.load(), runs.load()), std::pair(0, 8000));
 }
 
 // A copy shares the actions; the file record keeps the name and the

@@ -71,14 +71,6 @@ class Probe : public sxBase {
   std::atomic<int>* slot;
 };
 
-// A new Probe, referenced and released once.
-inline Probe* releasedProbe(std::atomic<int>* destroyed) {
-  auto* p = new Probe(destroyed);
-  p->ref();
-  p->unRef();
-  return p;
-}
-
 // A new object with one reference, which the handle gives back.
 template <class T = CountingAction, class... Args>
 sxRef<T> make(Args&&... args) {

@@ -30,7 +30,7 @@ TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
     ASSERT_TRUE(d1 && d2);
     const int pending = sxBase::getNumPendingDeletions();
     std::atomic<int> destroyed{0};
-    Probe* obj = releasedProbe(&destroyed);
+    Probe* obj = make<Probe>(&destroyed).get();  // released at once: on its way
     EXPECT_EQ(obj->getRefCount(), -3);
     // Released again while on its way (someone still held a pointer): no
     // second request.
@@ -90,7 +90,7 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   ASSERT_TRUE(dead && x);
   dead->kill();
   std::atomic<int> destroyed{0};
-  Probe* obj = releasedProbe(&destroyed);
+  Probe* obj = make<Probe>(&destroyed).get();  // released at once: on its way
   EXPECT_EQ(obj->getRefCount(), -1 - sxThread::getTotalNumDownstreamThreads());
   app()->processQueue(false);
   a->processQueue(false);

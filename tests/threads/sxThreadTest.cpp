@@ -2,6 +2,7 @@
 #include <sched.h>
 
 #include <atomic>
+#include <tuple>
 
 #include "support/sxThreadTestSupport.h"
 
@@ -11,11 +12,10 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   Pipeline p;
   const int before = sxThread::getNum();
   sxThread* t = p.add();
-  EXPECT_EQ(sxThread::getNum(), before + 1);
-  EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
+  EXPECT_EQ(std::tuple(sxThread::getNum(), t->getState()),
+            std::tuple(before + 1, sxThread::SUSPENDED));
   EXPECT_NE(t->getThreadId(), sxGetAppThread()->getThreadId());
   EXPECT_NE(t->getTravContext(), sxGetAppThread()->getTravContext());
-
   auto init = make(), each = make();
   std::atomic<bool> sawItself{false};
   auto probe = make<FunctionAction>([&](sxBase*, sxEvent*) {
@@ -28,18 +28,15 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   sxBase target;
   EXPECT_TRUE(staysAt(applied));
   EXPECT_EQ(init->count.load(), 0);  // nothing runs before run()
-
   t->run(&target);
   EXPECT_EQ(t->getState(), sxThread::RUNNING);
   ASSERT_TRUE(waitUntil([&] { return applied() > 10; }));
-  EXPECT_EQ(init->count.load(), 1);
-  EXPECT_EQ(init->lastObject.load(), t);  // init actions get the thread
+  // Init actions run once and get the thread.
+  EXPECT_EQ(std::tuple(init->count.load(), init->lastObject.load()), std::tuple(1, t));
   EXPECT_EQ(each->lastObject.load(), &target);
   EXPECT_TRUE(sawItself.load());
-
   t->kill();
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-  EXPECT_EQ(t->getThreadId(), 0u);
+  EXPECT_EQ(std::tuple(t->getState(), t->getThreadId()), std::tuple(sxThread::DEAD, 0u));
   const int atKill = applied();
   t->kill();  // a dead thread: nothing happens
   t->run();   // and nothing revives it
@@ -88,8 +85,8 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   t->run();
   ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
   EXPECT_EQ(MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
-  EXPECT_EQ(first->count.load(), 1);
-  EXPECT_EQ(after->count.load(), 0);  // actions after the failing one are not applied
+  // Actions after the failing one are not applied.
+  EXPECT_EQ(std::tuple(first->count.load(), after->count.load()), std::tuple(1, 0));
   // The rest of the process carries on: another thread still runs, and
   // ends when an action kills it; the call returns, and the thread ends at
   // its next check.
@@ -103,8 +100,7 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
     other->addAction(a);
   other->run();
   ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
-  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }));
-  EXPECT_EQ(afterKill.load(), 1);
+  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }) && afterKill.load() == 1);
   EXPECT_EQ(first->count.load(), 2);
   EXPECT_LE(after->count.load(), 1);
 }
