@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <tuple>
+
 #include "support/sxTestClasses.h"
 
 // Current forms: no constructors of their own, an implicit copy, a derived
@@ -62,20 +64,17 @@ void expectListedOnlyUnderOwnClass() {
     C object;
     object.setName("formObject");
     EXPECT_EQ(C::getNum(false), 1);
-    EXPECT_EQ(C::get(0, false), &object);
-    EXPECT_EQ(C::find("FORMOBJECT"), &object);
+    EXPECT_TRUE(C::get(0, false) == &object && C::find("FORMOBJECT") == &object);
     EXPECT_EQ(parent->getNum(false), parentOwn) << "still listed under the parent";
     EXPECT_EQ(sxBase::getNum(false), base + 1);
     EXPECT_EQ(object.getType()->getParent(), parent);
-
     sxRef<sxBase> copy(object.createCopy());
     sxArena arena(4096);
     sxBase* disposable = object.createDisposableCopy(&arena);
     if constexpr (std::is_copy_constructible_v<C>) {
-      ASSERT_NE(copy, nullptr);
-      ASSERT_NE(disposable, nullptr);
-      EXPECT_EQ(C::getNum(false), 2) << "the copy is listed, the arena copy is not";
-      EXPECT_EQ(sxBase::getNum(false), base + 2);
+      ASSERT_TRUE(copy && disposable);
+      // The copy is listed, the arena copy is not.
+      EXPECT_EQ(std::tuple(C::getNum(false), sxBase::getNum(false)), std::tuple(2, base + 2));
       EXPECT_TRUE(disposable->isDisposable());
       EXPECT_EQ(disposable->getType(), C::getClassType());
       EXPECT_TRUE(arena.inRange(disposable) && arena.inRange(disposable->getName()));
@@ -86,16 +85,14 @@ void expectListedOnlyUnderOwnClass() {
       disposable->~sxBase();
       copy.reset();
     } else {
-      EXPECT_EQ(copy, nullptr);
-      EXPECT_EQ(disposable, nullptr);
+      EXPECT_TRUE(!copy && !disposable);
     }
     sxRef<sxBase> made(sxType::createInstance(C::getClassName()));
     ASSERT_NE(made, nullptr);
     EXPECT_TRUE(made->isOfExactType(C::getClassType()));
     EXPECT_EQ(C::getNum(false), 2);
   }
-  EXPECT_EQ(C::getNum(false), 0);
-  EXPECT_EQ(sxBase::getNum(false), base);
+  EXPECT_EQ(std::tuple(C::getNum(false), sxBase::getNum(false)), std::tuple(0, base));
 }
 
 }  // namespace

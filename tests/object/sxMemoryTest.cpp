@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <tuple>
 
 TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
   std::size_t before = sxMemory::getSize();
@@ -21,25 +22,23 @@ TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
   sxMemory::free(nullptr);  // ignored
   EXPECT_EQ(sxMemory::getSize(nullptr), 0u);
   EXPECT_EQ(sxMemory::realloc(nullptr, 0), nullptr);
-
   // malloc32 keeps whole words only; calloc clears.
   p = sxMemory::malloc32(7);  // gets 4 bytes
-  ASSERT_NE(p, nullptr);
-  EXPECT_GE(sxMemory::getSize(p), 4u);
+  EXPECT_TRUE(p && sxMemory::getSize(p) >= 4u);
   sxMemory::free(p);
   auto* z = static_cast<unsigned char*>(sxMemory::calloc(10, 10));
   ASSERT_NE(z, nullptr);
   EXPECT_EQ(std::count(z, z + 100, 0), 100);
   sxMemory::free(z);
   EXPECT_EQ(sxMemory::getSize(), before);
-
   // Objects are accounted as well (the class's record and instance list
   // exist after the first one).
   (new sxGroup)->unRef();
   before = sxMemory::getSize();
-  auto* g = new sxGroup;
-  EXPECT_GT(sxMemory::getSize(), before);
-  g->unRef();
+  {
+    sxRef<sxGroup> g(new sxGroup);
+    EXPECT_GT(sxMemory::getSize(), before);
+  }
   EXPECT_EQ(sxMemory::getSize(), before);
 }
 
@@ -48,15 +47,14 @@ TEST(sxMemory, CompareReportsOnlyEquality) {
   char b[sizeof a];
   std::memcpy(b, a, sizeof a);
   b[10] = 'x';  // in the tail after the whole words
-  EXPECT_EQ(sxMemory::compare(a, b, 11), 1);
-  EXPECT_EQ(sxMemory::compare(a, b, 10), 0);
-  EXPECT_EQ(sxMemory::compare32(a, b, 8), 0);
+  EXPECT_EQ(std::tuple(sxMemory::compare(a, b, 11), sxMemory::compare(a, b, 10),
+                       sxMemory::compare32(a, b, 8)),
+            std::tuple(1, 0, 0));
   b[0] = '0';  // lower than 'a': still 1, no ordering
-  EXPECT_EQ(sxMemory::compare(a, b, 4), 1);
-  EXPECT_EQ(sxMemory::compare32(a, b, 4), 1);
+  EXPECT_EQ(std::tuple(sxMemory::compare(a, b, 4), sxMemory::compare32(a, b, 4)), std::tuple(1, 1));
 }
 
-TEST(sxArena, BlockSizesAndTheStrictFitRule) {
+TEST(sxArena, BlockSizesFitRulesAndFirstFit) {
   EXPECT_EQ(sxArena(10).getBlockSize(), 64u);
   sxArena a(64);
   auto* first = static_cast<char*>(a.malloc(40));  // 16 + 40 < 64
@@ -66,9 +64,7 @@ TEST(sxArena, BlockSizesAndTheStrictFitRule) {
   auto* second = static_cast<char*>(a.malloc(48));  // 16 + 48 is not below 64
   EXPECT_EQ(a.getNumBlocks(), 2);
   EXPECT_TRUE(a.inRange(first) && a.inRange(second));
-  EXPECT_TRUE(a.inRange(first - 16));  // a block starts with its header
-  EXPECT_FALSE(a.inRange(first - 17));
-
+  EXPECT_TRUE(a.inRange(first - 16) && !a.inRange(first - 17));  // a block starts with its header
   sxArena b(256);
   auto* p = static_cast<char*>(b.malloc(1));
   auto* q = static_cast<char*>(b.malloc(1));
@@ -76,9 +72,7 @@ TEST(sxArena, BlockSizesAndTheStrictFitRule) {
   b.reset();
   EXPECT_EQ(b.malloc(8), p);  // the first block's start plus 16 again
   EXPECT_EQ(b.getNumBlocks(), 1);
-}
-
-TEST(sxArena, LargeRequestsGetAFullBlockOfTheirOwnAndFirstFitWalksFromTheStart) {
+  // A large request gets a full block of its own.
   sxArena big(64);
   auto* large = static_cast<char*>(big.malloc(200));
   ASSERT_NE(large, nullptr);
@@ -95,26 +89,24 @@ TEST(sxArena, LargeRequestsGetAFullBlockOfTheirOwnAndFirstFitWalksFromTheStart) 
   std::memset(edge, 0xCD, 56);
   EXPECT_EQ(c.getNumBlocks(), 2);
   // The size hints must return what a walk from the first block returns.
-  sxArena a(128);
-  auto* x = static_cast<char*>(a.malloc(96));  // block 1: 16 left
-  auto* y = static_cast<char*>(a.malloc(64));  // block 2: 48 left
-  auto* z = static_cast<char*>(a.malloc(8));   // fits block 1 (16 > 8)
+  sxArena walk(128);
+  auto* x = static_cast<char*>(walk.malloc(96));  // block 1: 16 left
+  auto* y = static_cast<char*>(walk.malloc(64));  // block 2: 48 left
+  auto* z = static_cast<char*>(walk.malloc(8));   // fits block 1 (16 > 8)
   EXPECT_EQ(z, x + 96);
-  auto* w = static_cast<char*>(a.malloc(40));  // block 1 has 8 left, block 2 has 48
+  auto* w = static_cast<char*>(walk.malloc(40));  // block 1 has 8 left, block 2 has 48
   EXPECT_EQ(w, y + 64);
-  EXPECT_EQ(a.getNumBlocks(), 2);
-  auto* v = static_cast<char*>(a.malloc(0));  // any block with room: block 1
+  EXPECT_EQ(walk.getNumBlocks(), 2);
+  auto* v = static_cast<char*>(walk.malloc(0));  // any block with room: block 1
   EXPECT_EQ(v, x + 104);
-  a.reset();
-  EXPECT_EQ(a.malloc(96), x);
-  EXPECT_EQ(a.malloc(64), y);
+  walk.reset();
+  EXPECT_EQ(walk.malloc(96), x);
+  EXPECT_EQ(walk.malloc(64), y);
 }
 
 TEST(sxArena, ListKeepsIndicesOfDestroyedArenas) {
   int base = sxArena::getNum();
-  auto* a = new sxArena;
-  auto* b = new sxArena;
-  auto* c = new sxArena;
+  auto *a = new sxArena, *b = new sxArena, *c = new sxArena;
   EXPECT_EQ(a->getIndex(), base);
   delete b;
   EXPECT_EQ(sxArena::getNum(), base + 3);
@@ -124,8 +116,7 @@ TEST(sxArena, ListKeepsIndicesOfDestroyedArenas) {
   // A copy shares the blocks and is not listed.
   sxArena alias(*c);
   EXPECT_EQ(alias.getIndex(), -1);
-  void* p = c->malloc(16);
-  EXPECT_TRUE(alias.inRange(p));
+  EXPECT_TRUE(alias.inRange(c->malloc(16)));
   delete c;
   delete a;
 }
