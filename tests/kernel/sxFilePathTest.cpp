@@ -6,6 +6,7 @@
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/sxTestFiles.h"
@@ -49,31 +50,27 @@ TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
   for (const std::string& d : {first, second}) ASSERT_EQ(mkdir(d.c_str(), 0755), 0);
   for (const std::string& f : {second + "/scene.sx", first + "/both.sx", second + "/both.sx"})
     std::ofstream(f) << "x";
-
   char out[512];
-  EXPECT_EQ(sxFindFile("scene.sx", sizeof out, out), 0);  // no search path yet
-  EXPECT_STREQ(out, "");
-  sxAddFilePath(first.c_str());
-  sxAddFilePath(second.c_str());
-  std::string expected = second + "/scene.sx";
-  EXPECT_EQ(sxFindFile("scene.sx", sizeof out, out), int(expected.size()) + 1);
-  EXPECT_EQ(out, expected);
-  EXPECT_EQ(sxFindFile("both.sx", sizeof out, out), int(first.size() + 9));  // first entry wins
-  EXPECT_EQ(std::string(out), first + "/both.sx");
+  const auto find = [&](const char* name) {
+    const int length = sxFindFile(name, sizeof out, out);
+    return std::tuple(length, std::string(out));
+  };
+  EXPECT_EQ(find("scene.sx"), std::tuple(0, ""));  // no search path yet
+  sxAddFilePaths((first + ";" + second).c_str());
+  const std::string expected = second + "/scene.sx";
+  const int length = int(expected.size()) + 1;
+  EXPECT_EQ(find("scene.sx"), std::tuple(length, expected));
+  EXPECT_EQ(find("both.sx"), std::tuple(int(first.size()) + 9, first + "/both.sx"));  // first wins
   // A name that opens as given is taken without the search path.
-  EXPECT_EQ(sxFindFile(expected.c_str(), sizeof out, out), int(expected.size()) + 1);
-  EXPECT_EQ(out, expected);
-  // Lengths only: no buffer.
-  EXPECT_EQ(sxFindFile("scene.sx", 0, nullptr), int(expected.size()) + 1);
+  EXPECT_EQ(find(expected.c_str()), std::tuple(length, expected));
+  EXPECT_EQ(sxFindFile("scene.sx", 0, nullptr), length);  // lengths only: no buffer
   // A short buffer gets a bounded copy, unterminated like strncpy.
   char small[8];
   std::memset(small, '#', sizeof small);
-  EXPECT_EQ(sxFindFile("scene.sx", 4, small), int(expected.size()) + 1);
-  EXPECT_EQ(std::string(small, 4), expected.substr(0, 4));
-  EXPECT_EQ(small[4], '#');
-  EXPECT_EQ(sxFindFile(nullptr, sizeof out, out), 0);
-  EXPECT_EQ(sxFindFile("missing.sx", sizeof out, out), 0);
-  EXPECT_STREQ(out, "");
+  EXPECT_EQ(sxFindFile("scene.sx", 4, small), length);
+  EXPECT_EQ(std::string(small, 5), expected.substr(0, 4) + "#");
+  for (const char* none : {static_cast<const char*>(nullptr), "missing.sx"})
+    EXPECT_EQ(find(none), std::tuple(0, ""));
 }
 
 TEST(sxGetFileName, PointsAfterTheLastSeparator) {

@@ -5,6 +5,7 @@
 #include <sx/sxCore.h>
 
 #include <string>
+#include <tuple>
 
 #include "support/sxTestClasses.h"
 #include "support/sxTestFiles.h"
@@ -18,16 +19,14 @@ TEST(sxOwnership, ObjectsReadFromAFileOutliveItsClose) {
     child->setName("child");
     root->addAttribute(child.get());
     sxFile file;
-    ASSERT_TRUE(file.create(path.c_str()));
-    root->write(&file, nullptr);
-    ASSERT_TRUE(file.write());
+    ASSERT_TRUE(file.create(path.c_str()) && root->write(&file, nullptr) && file.write());
   }
   sxBase* child = nullptr;
   {
     sxFile file;
     ASSERT_TRUE(file.open(path.c_str(), "r"));
     sxEntry* rootEntry = file.getEntry(0);
-    ASSERT_TRUE(file.readEntry(rootEntry));
+    ASSERT_TRUE(rootEntry && file.readEntry(rootEntry));
     rootEntry->readInt();    // no name
     rootEntry->readShort();  // flags
     ASSERT_EQ(rootEntry->readInt(), 1);
@@ -53,8 +52,7 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
     sxRef<sxBase> asBase = outer;  // derived to base
     EXPECT_EQ(outer->getRefCount(), 2);
     sxRef<sxBase> moved = std::move(asBase);
-    EXPECT_EQ(asBase, nullptr);
-    EXPECT_EQ(outer->getRefCount(), 2);
+    EXPECT_TRUE(asBase == nullptr && outer->getRefCount() == 2);
     moved = moved;  // self-assignment keeps the object
     EXPECT_EQ(outer->getRefCount(), 2);
     moved.reset();
@@ -63,12 +61,12 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
     sxRef<sxBase> swap(outer.get());
     outer.reset();
     swap = inner;
-    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
-    EXPECT_EQ(inner->getRefCount(), 1);
+    EXPECT_EQ(std::tuple(sxTestNode::destroyed, inner->getRefCount()),
+              std::tuple(destroyed + 1, 1));
     // Handing a new object on: the reference goes, the object stays.
     sxBase* handed = swap.release();
-    EXPECT_EQ(handed->getRefCount(), 0);
-    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
+    EXPECT_EQ(std::tuple(handed->getRefCount(), sxTestNode::destroyed),
+              std::tuple(0, destroyed + 1));
     swap = handed;
   }
   EXPECT_EQ(sxTestNode::destroyed, destroyed + 2);
@@ -100,6 +98,6 @@ TEST(sxOwnership, AMillionLinkChainIsDestroyedWithoutDeepRecursion) {
     link = next;
   }
   head.reset();
-  EXPECT_EQ(sxTestNode::destroyed, destroyed + length);
-  EXPECT_EQ(sxBase::getNum(false), before);
+  EXPECT_EQ(std::tuple(sxTestNode::destroyed, sxBase::getNum(false)),
+            std::tuple(destroyed + length, before));
 }
