@@ -13,8 +13,7 @@ namespace {
 
 using namespace sxtest;
 
-class RecordingNode : public sxActionNode {
- public:
+struct RecordingNode : sxActionNode {
   void eventTriggered(sxBase* object, sxEvent*) override {
     lastObject = object;
     tick = ++ticks;

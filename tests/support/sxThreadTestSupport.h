@@ -22,8 +22,7 @@ namespace sxtest {
 inline std::atomic<int> ticks{0};
 
 // Counts its applications and remembers what it was last given.
-class CountingAction : public sxAction {
- public:
+struct CountingAction : sxAction {
   bool apply(sxBase* object, sxEvent* event) override {
     lastObject.store(object);
     lastEvent.store(event);
@@ -40,8 +39,7 @@ class CountingAction : public sxAction {
 };
 
 // Sleeps, then counts: keeps a thread busy, so that a flush has to wait.
-class SlowAction : public CountingAction {
- public:
+struct SlowAction : CountingAction {
   bool apply(sxBase* object, sxEvent* event) override {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
     return CountingAction::apply(object, event);
@@ -49,25 +47,19 @@ class SlowAction : public CountingAction {
 };
 
 // Runs a function as its apply, which then succeeds.
-class FunctionAction : public sxAction {
- public:
+struct FunctionAction : sxAction {
   explicit FunctionAction(std::function<void(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
   bool apply(sxBase* object, sxEvent* event) override {
     fn(object, event);
     return true;
   }
-
- private:
   std::function<void(sxBase*, sxEvent*)> fn;
 };
 
 // Counts its destruction in a slot of its own.
-class Probe : public sxBase {
- public:
+struct Probe : sxBase {
   explicit Probe(std::atomic<int>* destroyed) : slot(destroyed) {}
   ~Probe() override { slot->fetch_add(1); }
-
- private:
   std::atomic<int>* slot;
 };
 
@@ -79,11 +71,9 @@ sxRef<T> make(Args&&... args) {
 
 // Polls pred for at most timeoutMs; true once it holds.
 inline bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 20000) {
-  auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-  while (!pred()) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  for (; !pred(); std::this_thread::sleep_for(std::chrono::milliseconds(1)))
     if (std::chrono::steady_clock::now() > end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
   return true;
 }
 
@@ -121,8 +111,7 @@ inline void withDeadline(const char* what, const std::function<void()>& body, in
 // Worker threads created for one test, with the links they were given.
 // The destructor kills them, removes the links, releases them and carries
 // out what that left on the application thread's queue.
-class Pipeline {
- public:
+struct Pipeline {
   sxThread* add(sxThread::MODE mode = sxThread::FREE_RUNNING, const char* name = nullptr) {
     sxThread* t = new sxThread;
     t->ref();
@@ -167,20 +156,15 @@ class Pipeline {
 };
 
 // Captures the library's messages while alive.
-class MessageCapture {
- public:
+struct MessageCapture {
   MessageCapture() {
     text().clear();
     sxMessageHandler(&MessageCapture::handler);
   }
   ~MessageCapture() { sxMessageHandler(nullptr); }
-  static std::string& text() {
-    static std::string captured;
-    return captured;
-  }
-
- private:
-  static void handler(char* message) { text() += message; }
+  static std::string& text() { return captured; }
+  static void handler(char* message) { captured += message; }
+  static inline std::string captured;
 };
 
 }  // namespace sxtest

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <mutex>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "support/sxThreadTestSupport.h"
@@ -32,8 +33,7 @@ TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
     std::atomic<int> destroyed{0};
     Probe* obj = make<Probe>(&destroyed).get();  // released at once: on its way
     EXPECT_EQ(obj->getRefCount(), -3);
-    // Released again while on its way (someone still held a pointer): no
-    // second request.
+    // Released again on its way (someone still held a pointer): no new request.
     obj->ref();
     obj->unRef();
     EXPECT_EQ(sxBase::getNumPendingDeletions(), pending + 1);
@@ -43,8 +43,8 @@ TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
     EXPECT_EQ(d1->processQueue(false), 1);
     EXPECT_EQ(destroyed.load(), handBack ? 0 : 1);
     EXPECT_EQ(app()->processQueue(false), handBack ? 1 : 0);
-    EXPECT_EQ(destroyed.load(), 1);
-    EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+    EXPECT_EQ(std::tuple(destroyed.load(), sxBase::getNumPendingDeletions()),
+              std::tuple(1, pending));
   }
   sxThread::enableAppThreadDeletion(false);
 }
@@ -67,13 +67,10 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   ASSERT_TRUE(a->removeDownstreamThread(b));
   p.links.erase(std::find(p.links.begin(), p.links.end(), std::make_pair(a, b)));
   (new Probe(&destroyed))->unRef();  // counted with two links again
-  app()->processQueue(false);
-  a->processQueue(false);
-  c->processQueue(false);
+  for (sxThread* t : {app(), a, c}) t->processQueue(false);
   EXPECT_EQ(destroyed.load(), 1);  // the second is done; the first still sits with b
   b->processQueue(false);
-  EXPECT_EQ(destroyed.load(), 2);
-  EXPECT_EQ(sxBase::getNumPendingDeletions(), pending);
+  EXPECT_EQ(std::tuple(destroyed.load(), sxBase::getNumPendingDeletions()), std::tuple(2, pending));
 }
 
 TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) {
@@ -92,9 +89,7 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   std::atomic<int> destroyed{0};
   Probe* obj = make<Probe>(&destroyed).get();  // released at once: on its way
   EXPECT_EQ(obj->getRefCount(), -1 - sxThread::getTotalNumDownstreamThreads());
-  app()->processQueue(false);
-  a->processQueue(false);
-  b->processQueue(false);
+  for (sxThread* t : {app(), a, b}) t->processQueue(false);
   EXPECT_EQ(d->processQueue(false), 1);  // once, from its upstream a
   EXPECT_EQ(destroyed.load(), 1);
   for (sxThread* t : p.threads) EXPECT_EQ(t->processQueue(true), 0);

@@ -20,8 +20,7 @@ enum Outcome { allDone, setUpFailed = 10, notDestroyedOnce, actionsLeft, kernelK
 
 std::vector<int> closeOrder;
 
-class RecordingContext : public sxRenderContext {
- public:
+struct RecordingContext : sxRenderContext {
   explicit RecordingContext(int id) : id(id) { ref(); }
   void close() override {
     closeOrder.push_back(id);

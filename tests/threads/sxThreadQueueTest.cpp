@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "support/sxThreadTestSupport.h"
@@ -13,8 +14,7 @@ using namespace sxtest;
 
 // Records where the hooks ran and writes to itself after releasing its
 // waiter, so that a waiter that frees it too early is caught.
-class RecordingFlush : public sxFlushThread {
- public:
+struct RecordingFlush : sxFlushThread {
   void preSyncApply(sxBase* target) override {
     preTarget.store(target);
     preThread.store(sxThread::getCurrentThread());
@@ -40,8 +40,9 @@ TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
   t->addActionToQueue(&direct);
   t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
   EXPECT_EQ(t->processQueue(false), 2);
-  EXPECT_EQ(direct.lastObject.load(), t);  // queued actions get the thread
-  EXPECT_EQ(later.count.load(), 0);        // posted meanwhile: next call
+  // Queued actions get the thread; what they post meanwhile waits for the
+  // next call.
+  EXPECT_EQ(std::tuple(direct.lastObject.load(), later.count.load()), std::tuple(t, 0));
   EXPECT_EQ(t->processQueue(false), 1);
   EXPECT_EQ(t->processQueue(false), 0);
   // untilEmpty also takes what is posted meanwhile.
@@ -53,9 +54,8 @@ TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
 TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   Pipeline p;
   sxThread* top = p.add();
-  ASSERT_TRUE(p.addBelow(top));
   sxThread* right = p.addBelow(top);
-  ASSERT_TRUE(p.addBelow(right));
+  ASSERT_TRUE(p.addBelow(top) && right && p.addBelow(right));
   p.runAll();
   SlowAction work[4];
   for (int round = 0; round < 3; ++round) {
@@ -78,10 +78,9 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
   for (int round = 0; round < 20; ++round) {
     auto f = make<RecordingFlush>();
     withDeadline("addActionToQueue", [&] { t->addActionToQueue(f.get()); });
-    EXPECT_EQ(f->preThread.load(), t);
-    EXPECT_EQ(f->preTarget.load(), t);  // applied with the thread as object
-    EXPECT_EQ(f->postTarget.load(), t);
-    EXPECT_EQ(f->posts, 1);
+    // Applied on the thread, with the thread as object, once.
+    EXPECT_EQ(std::tuple(f->preThread.load(), f->preTarget.load(), f->postTarget.load(), f->posts),
+              std::tuple(t, t, t, 1));
     f.reset();  // freed at once: the thread must no longer touch it
   }
   t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
@@ -107,8 +106,7 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
     t->flushQueue();
     t->addActionToQueue(&f);
   });
-  EXPECT_EQ(queued.count.load(), 1);
-  EXPECT_EQ(f.posts, 1);
+  EXPECT_EQ(std::tuple(queued.count.load(), f.posts), std::tuple(1, 1));
   EXPECT_EQ(t->processQueue(true), 0);
 }
 
