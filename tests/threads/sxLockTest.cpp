@@ -24,11 +24,9 @@ bool freeForOthers(sxLock& lock, int timeoutMs = 0) {
 TEST(sxLock, RecursiveForItsOwnerTimedForOthersAndCopiedUnowned) {
   sxLock lock;
   lock.setTimeout(250);
-  EXPECT_TRUE(lock.acquire());
-  EXPECT_TRUE(lock.acquire(0));  // recursion never waits
+  EXPECT_TRUE(lock.acquire() && lock.acquire(0));  // recursion never waits
   sxLock copy(lock);
-  EXPECT_EQ(copy.getTimeout(), 250);
-  EXPECT_TRUE(freeForOthers(copy));
+  EXPECT_TRUE(copy.getTimeout() == 250 && freeForOthers(copy));
   auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(freeForOthers(lock, 30));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
@@ -36,8 +34,7 @@ TEST(sxLock, RecursiveForItsOwnerTimedForOthersAndCopiedUnowned) {
   EXPECT_TRUE(lock.isHeldByCurrentThread()) << "one level left";
   EXPECT_FALSE(freeForOthers(lock));
   lock.release();
-  EXPECT_FALSE(lock.isHeldByCurrentThread());
-  EXPECT_TRUE(freeForOthers(lock));
+  EXPECT_TRUE(!lock.isHeldByCurrentThread() && freeForOthers(lock));
   lock.release();  // not held: ignored
   // A successful test takes the lock; one release frees it.
   ASSERT_TRUE(lock.available());
@@ -80,11 +77,9 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_TRUE(theirs.acquire() && theirs.acquire(0) && theirs.available());
   theirs.release();
   sxLock::enableAll(true);
-
   // The lock this thread held was released once on the way off; the one
   // the other thread held is still its own.
-  EXPECT_FALSE(mine.isHeldByCurrentThread());
-  EXPECT_TRUE(freeForOthers(mine));
+  EXPECT_TRUE(!mine.isHeldByCurrentThread() && freeForOthers(mine));
   EXPECT_FALSE(theirs.acquire(0));
   done.store(true);
   holder.join();
@@ -99,8 +94,7 @@ TEST(sxLock, KernelLocksAreNamedAndTheTypeLockIsReentrant) {
     ASSERT_NE(sxLock::find(name), nullptr) << name;
   sxLock* typeLock = sxLock::find("sxType Lock");
   sxBase::getClassType()->lockInstanceList();
-  EXPECT_NE(sxType::findType("sxGroup"), nullptr);
-  EXPECT_TRUE(typeLock->isHeldByCurrentThread());
+  EXPECT_TRUE(sxType::findType("sxGroup") && typeLock->isHeldByCurrentThread());
   sxBase::getClassType()->unlockInstanceList();
   EXPECT_FALSE(typeLock->isHeldByCurrentThread());
 }

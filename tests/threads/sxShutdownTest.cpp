@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <vector>
@@ -42,9 +43,8 @@ sxThread* newWorker(sxThread::MODE mode) {
 // which one is gone again.
 int shutdownWithPendingWork() {
   constexpr int objects = 2000, actionsPerThread = 20;
-  auto* first = new RecordingContext(1);
+  auto *first = new RecordingContext(1), *third = new RecordingContext(3);
   (new RecordingContext(2))->unRef();  // destroyed contexts leave the list
-  auto* third = new RecordingContext(3);
   if (sxGetRenderContexts().getNum() != 2) return setUpFailed;
   sxThread* app = sxGetAppThread();
   sxThread* t[5];
@@ -62,14 +62,12 @@ int shutdownWithPendingWork() {
   for (int i = 0; i < actionsPerThread; ++i)
     for (int k = 0; k < 5; ++k) t[k]->addActionToQueue(&work[size_t(k)]);
   const int locks = sxLock::getNum(false), threads = sxThread::getNum(false);
-
   sxInit(nullptr);
   sxShutdown();
-
-  for (auto& d : destroyed)
-    if (d.load() != 1) return notDestroyedOnce;
-  for (auto& w : work)
-    if (w.count.load() != actionsPerThread) return actionsLeft;
+  if (std::ranges::any_of(destroyed, [](auto& d) { return d.load() != 1; }))
+    return notDestroyedOnce;
+  if (std::ranges::any_of(work, [](auto& w) { return w.count.load() != actionsPerThread; }))
+    return actionsLeft;
   // The application thread, the five kernel locks and its queue's lock go.
   if (sxGetAppThread() || sxBase::getNumPendingDeletions() != pending ||
       sxThread::getNum(false) != threads - 1 || sxLock::getNum(false) != locks - 6)

@@ -14,16 +14,15 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   sxThread* t = p.add();
   EXPECT_EQ(std::tuple(sxThread::getNum(), t->getState()),
             std::tuple(before + 1, sxThread::SUSPENDED));
-  EXPECT_NE(t->getThreadId(), sxGetAppThread()->getThreadId());
-  EXPECT_NE(t->getTravContext(), sxGetAppThread()->getTravContext());
+  EXPECT_TRUE(t->getThreadId() != sxGetAppThread()->getThreadId() &&
+              t->getTravContext() != sxGetAppThread()->getTravContext());
   auto init = make(), each = make();
   std::atomic<bool> sawItself{false};
   auto probe = make<FunctionAction>([&](sxBase*, sxEvent*) {
     sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
   });
   t->addInitAction(init.get());
-  t->addAction(each.get());
-  t->addAction(probe.get());
+  for (sxAction* a : std::initializer_list<sxAction*>{each.get(), probe.get()}) t->addAction(a);
   const auto applied = [&] { return each->count.load(); };
   sxBase target;
   EXPECT_TRUE(staysAt(applied));
@@ -33,16 +32,14 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   ASSERT_TRUE(waitUntil([&] { return applied() > 10; }));
   // Init actions run once and get the thread.
   EXPECT_EQ(std::tuple(init->count.load(), init->lastObject.load()), std::tuple(1, t));
-  EXPECT_EQ(each->lastObject.load(), &target);
-  EXPECT_TRUE(sawItself.load());
+  EXPECT_TRUE(each->lastObject.load() == &target && sawItself.load());
   t->kill();
   EXPECT_EQ(std::tuple(t->getState(), t->getThreadId()), std::tuple(sxThread::DEAD, 0u));
   const int atKill = applied();
   t->kill();  // a dead thread: nothing happens
   t->run();   // and nothing revives it
-  EXPECT_TRUE(staysAt(applied));
-  EXPECT_EQ(applied(), atKill) << "kill returned after the thread ended";
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
+  // Kill returned after the thread ended.
+  EXPECT_TRUE(staysAt(applied) && applied() == atKill && t->getState() == sxThread::DEAD);
 
   // A triggered thread runs one iteration per run(), however early they
   // come; suspension stops a free-running one before its next iteration,
@@ -114,32 +111,26 @@ TEST(sxThread, ActionListsAndTheApplicationThread) {
   auto a = make(), b = make(), c = make();
   t->addAction(nullptr);
   t->addInitAction(nullptr);
-  EXPECT_EQ(t->getNumActions(), 0);
   for (auto* x : {a.get(), b.get(), c.get()}) t->addAction(x);
   t->addInitAction(a.get());
-  EXPECT_EQ(a->getRefCount(), 3);
-  EXPECT_EQ(t->getNumInitActions(), 1);
+  EXPECT_EQ(std::tuple(t->getNumActions(), t->getNumInitActions(), a->getRefCount()),
+            std::tuple(3, 1, 3));
   EXPECT_FALSE(t->removeAction(nullptr));
   EXPECT_TRUE(t->removeAction(a.get()));
   EXPECT_FALSE(t->removeInitAction(b.get()));
   EXPECT_EQ(t->getNumActions(), 2);
   sxBase target;
   EXPECT_TRUE(t->apply(&target));
-  EXPECT_EQ(a->count.load(), 0);
-  EXPECT_EQ(c->lastObject.load(), &target);
-  EXPECT_EQ(c->lastEvent.load(), nullptr);
+  EXPECT_EQ(std::tuple(a->count.load(), c->lastObject.load(), c->lastEvent.load()),
+            std::tuple(0, &target, nullptr));
   EXPECT_TRUE(t->removeInitAction(a.get()));
-  EXPECT_EQ(a->getRefCount(), 1);
-  EXPECT_EQ(b->getRefCount(), 2) << "still listed";
-
+  EXPECT_EQ(std::tuple(a->getRefCount(), b->getRefCount()), std::tuple(1, 2)) << "b still listed";
   sxThread* app = sxGetAppThread();
   ASSERT_NE(app, nullptr);
-  EXPECT_TRUE(app->isAppThread() && sxInAppThread());
-  EXPECT_EQ(sxThread::getCurrentThread(), app);
+  EXPECT_TRUE(app->isAppThread() && sxInAppThread() && sxThread::getCurrentThread() == app);
   app->suspend();
   app->kill();
-  EXPECT_EQ(app->getState(), sxThread::RUNNING);
-  EXPECT_TRUE(app->inCurrentThread());
+  EXPECT_TRUE(app->getState() == sxThread::RUNNING && app->inCurrentThread());
   app->addAction(a.get());
   app->run();
   EXPECT_EQ(a->count.load(), 0);
