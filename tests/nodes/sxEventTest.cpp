@@ -39,7 +39,7 @@ TEST(sxEvent, FindOrCreateSharesEventsByName) {
   EXPECT_EQ(sxEvent::find("frame"), nullptr);
 }
 
-TEST(sxEvent, TriggerRunsActionsThenNodesInOrderAndRemovalFillsTheHole) {
+TEST(sxEvent, TriggerRunsActionsNodesAndChainedEventsInOrderAndRemovalFillsTheHole) {
   auto e = make<sxEvent>();
   sxRef<CountingAction> a[] = {make(), make(), make()};
   auto node = make<RecordingNode>();
@@ -78,6 +78,27 @@ TEST(sxEvent, TriggerRunsActionsThenNodesInOrderAndRemovalFillsTheHole) {
   EXPECT_EQ(e->getNumActions(), 2);
   e.reset();  // releases its actions and nodes
   EXPECT_EQ(node->getRefCount(), 1);
+  // Chained events fire with the same object.
+  auto outer = make<sxEvent>(), inner = make<sxEvent>();
+  auto action = make();
+  inner->addAction(action.get());
+  // Not to itself, not to none.
+  EXPECT_FALSE(outer->addAction(outer.get()) || outer->addAction(static_cast<sxEvent*>(nullptr)));
+  EXPECT_TRUE(outer->addAction(inner.get()));
+  outer->trigger(&object);
+  EXPECT_EQ(action->lastObject.load(), &object);
+  // An event is an action itself through apply.
+  EXPECT_TRUE(inner->apply(nullptr, outer.get()));
+  EXPECT_EQ(action->count.load(), 2);
+  // A loop of chained events ends at the nesting limit instead of
+  // overflowing the stack.
+  EXPECT_TRUE(inner->addAction(outer.get()));
+  outer->trigger(&object);
+  EXPECT_EQ(action->count.load(), 2 + sxEvent::maxChainDepth / 2);
+  EXPECT_TRUE(inner->removeAction(outer.get()));
+  EXPECT_FALSE(inner->removeAction(outer.get()));
+  EXPECT_TRUE(outer->removeAction(inner.get()));
+  EXPECT_EQ(inner->getRefCount(), 1);
 }
 
 // A trigger wakes every thread waiting at the time, also while the event
@@ -116,30 +137,6 @@ TEST(sxEvent, EveryTriggerWakesAllWaiters) {
   EXPECT_FALSE(e->waitForTrigger(20));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(15));
   EXPECT_FALSE(e->waitForTrigger(0));
-}
-
-TEST(sxEvent, ChainedEventsFireWithTheSameObject) {
-  auto outer = make<sxEvent>(), inner = make<sxEvent>();
-  auto action = make();
-  inner->addAction(action.get());
-  // Not to itself, not to none.
-  EXPECT_FALSE(outer->addAction(outer.get()) || outer->addAction(static_cast<sxEvent*>(nullptr)));
-  EXPECT_TRUE(outer->addAction(inner.get()));
-  sxBase object;
-  outer->trigger(&object);
-  EXPECT_EQ(action->lastObject.load(), &object);
-  // An event is an action itself through apply.
-  EXPECT_TRUE(inner->apply(nullptr, outer.get()));
-  EXPECT_EQ(action->count.load(), 2);
-  // A loop of chained events ends at the nesting limit instead of
-  // overflowing the stack.
-  EXPECT_TRUE(inner->addAction(outer.get()));
-  outer->trigger(&object);
-  EXPECT_EQ(action->count.load(), 2 + sxEvent::maxChainDepth / 2);
-  EXPECT_TRUE(inner->removeAction(outer.get()));
-  EXPECT_FALSE(inner->removeAction(outer.get()));
-  EXPECT_TRUE(outer->removeAction(inner.get()));
-  EXPECT_EQ(inner->getRefCount(), 1);
 }
 
 TEST(sxEvent, ActionsOfOneEventNeverOverlap) {

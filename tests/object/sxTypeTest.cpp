@@ -3,6 +3,7 @@
 
 #include <cctype>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "support/sxTestClasses.h"
@@ -32,8 +33,7 @@ TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
   EXPECT_TRUE(obj->isOfExactType(sxTransform::getClassType()));
   sxTestAbstract::initClass();
   sxType* t = sxType::findType("sxTestAbstract");
-  ASSERT_NE(t, nullptr);
-  EXPECT_TRUE(t->isAbstract());
+  EXPECT_TRUE(t && t->isAbstract());
   EXPECT_EQ(sxType::createInstance("sxTestAbstract"), nullptr);
   EXPECT_EQ(sxTestAbstract::createInstance(nullptr), nullptr);
 }
@@ -41,22 +41,20 @@ TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
 TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
   static sxPlugIn plugIn;
   plugIn.setRelease(3, 4, 5, nullptr);
-  int announced = sxType::getNumRegisteredClasses();
-  int types = sxType::getNumTypes();
+  const int announced = sxType::getNumRegisteredClasses(), types = sxType::getNumTypes();
   sxTestLazy::registerClass(&plugIn);
   ASSERT_EQ(sxTestLazy::getClassType(), nullptr);
   EXPECT_EQ(sxType::getNumRegisteredClasses(), announced + 1);
   EXPECT_STREQ(sxType::getRegisteredClassName(announced), "sxTestLazy");
   EXPECT_EQ(sxType::getRegisteredClassName(announced + 1), nullptr);
-  EXPECT_EQ(sxTestLazy::getNum(false), 0);  // no record yet: 0, not a crash
-  EXPECT_EQ(sxTestLazy::get(0, true), nullptr);
+  // No record yet: 0 and null, not a crash.
+  EXPECT_TRUE(sxTestLazy::getNum(false) == 0 && !sxTestLazy::get(0, true));
   sxType* t = sxType::findType("SXTESTLAZY");
   ASSERT_NE(t, nullptr);
-  EXPECT_EQ(t, sxTestLazy::getClassType());
   EXPECT_STREQ(t->getName(), "sxTestLazy");
-  EXPECT_EQ(t->getPlugIn(), &plugIn);
-  EXPECT_EQ(t->getVersion(), sxMakeVersion(3, 4, 5));
-  EXPECT_EQ(t->getParent(), sxBase::getClassType());
+  EXPECT_EQ(std::tuple(t, t->getPlugIn(), t->getVersion(), t->getParent()),
+            std::tuple(sxTestLazy::getClassType(), &plugIn, sxMakeVersion(3, 4, 5),
+                       sxBase::getClassType()));
   EXPECT_EQ(std::pair(sxType::getNumRegisteredClasses(), sxType::getNumTypes()),
             std::pair(announced, types + 1));
   EXPECT_TRUE(sxType::getType(t->getIndex()) == t && plugIn.getType(0) == t);
@@ -90,13 +88,13 @@ TEST(sxType, FindWalksInstancesInGetOrder) {
   sxTestFindable* lower = named(new sxTestFindable, "a");
   sxTestFindable* child = named(new sxTestFindableChild, "a");
   sxTestFindable* other = named(new sxTestFindable, "b");
-  EXPECT_EQ(sxTestFindable::find("a"), upper);
-  EXPECT_EQ(sxTestFindable::find("a", upper), lower);
-  EXPECT_EQ(sxTestFindable::find("a", lower), nullptr);
-  EXPECT_EQ(sxTestFindable::find("a", lower, true), child);  // derived instances follow
-  EXPECT_EQ(sxTestFindable::find("a", other), nullptr);      // start must be a match
-  EXPECT_EQ(sxTestFindable::find(nullptr), nullptr);
-  EXPECT_EQ(sxTestFindable::find("c"), nullptr);
+  // Own instances in order; derived ones follow when asked for; a start
+  // must be a match.
+  EXPECT_EQ(std::tuple(sxTestFindable::find("a"), sxTestFindable::find("a", upper),
+                       sxTestFindable::find("a", lower), sxTestFindable::find("a", lower, true)),
+            std::tuple(upper, lower, nullptr, child));
+  for (auto [name, start] : {std::pair("a", other), {nullptr, nullptr}, {"c", nullptr}})
+    EXPECT_EQ(sxTestFindable::find(name, start), nullptr);
   // get numbers own instances first, then those of the child classes.
   ASSERT_EQ(sxTestFindable::getNum(true), 4);
   EXPECT_EQ(sxTestFindable::get(3, true), child);
@@ -115,14 +113,14 @@ TEST(sxType, DeletePendingRecordGoesWithItsLastInstance) {
   sxType* t = sxTestTransient::getClassType();
   ASSERT_NE(t, nullptr);
   int types = sxType::getNumTypes();
-  EXPECT_FALSE(t->deleteType());
-  EXPECT_TRUE(t->isDeletePending());
+  EXPECT_TRUE(!t->deleteType() && t->isDeletePending());
   a->unRef();
   EXPECT_EQ(sxTestTransient::getClassType(), t);
   b->unRef();
-  EXPECT_EQ(sxTestTransient::getClassType(), nullptr);  // removeFunc ran
-  EXPECT_EQ(sxType::getNumTypes(), types - 1);
-  EXPECT_EQ(sxType::findType("sxTestTransient"), nullptr);
+  // The record went (its removeFunc ran).
+  EXPECT_EQ(std::tuple(sxTestTransient::getClassType(), sxType::getNumTypes(),
+                       sxType::findType("sxTestTransient")),
+            std::tuple(nullptr, types - 1, nullptr));
   // The class can be created again.
   sxRef<sxTestTransient> c(new sxTestTransient);
   ASSERT_NE(sxTestTransient::getClassType(), nullptr);

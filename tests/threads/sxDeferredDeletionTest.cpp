@@ -95,6 +95,8 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   for (sxThread* t : p.threads) EXPECT_EQ(t->processQueue(true), 0);
 }
 
+// A thread released while linked dies on its own turn, also when it drops
+// its last reference itself, and is never joined by a thread it waits for.
 TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   const int threads = sxThread::getNum();
   sxRef<sxThread> w(new sxThread);
@@ -116,12 +118,9 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   self->run();
   handedOver.store(true);  // from here on only the worker uses the object
   EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
-}
 
-TEST(sxDeferredDeletion, AThreadIsNeverJoinedByAThreadItWaitsFor) {
   // a feeds b. a's object is released; b is the last to pass it, at a time
   // when a waits for b to flush. Destroying a there would join a from b.
-  const int threads = sxThread::getNum();
   Pipeline p;
   auto* a = new sxThread;
   a->ref();
