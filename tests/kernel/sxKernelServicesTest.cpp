@@ -22,7 +22,7 @@ TEST(sxKernel, VersionWordAndSignatureAgree) {
   EXPECT_EQ(sxMakeVersion(0, 0, 0x10000), sxMakeVersion(0, 1, 0));
 }
 
-TEST(sxKernel, NameComparison) {
+TEST(sxKernel, NameComparisonAndHash) {
   EXPECT_EQ(sxStrcmp(nullptr, nullptr, false), 0);
   EXPECT_EQ(sxStrcmp(nullptr, "x", false), -1);
   EXPECT_EQ(sxStrcmp("x", nullptr, true), -1);
@@ -31,9 +31,7 @@ TEST(sxKernel, NameComparison) {
   EXPECT_EQ(sxStrcmp("abc", "ABC", true), 0);
   EXPECT_EQ(sxStrcmp("b", "a", false), 1);
   EXPECT_EQ(sxStrcmp("\xe9", "a", false), 1);  // bytes compare unsigned
-}
-
-TEST(sxKernel, NameHashXorsBytesAndCountsCharacters) {
+  // The hash xors the bytes in and counts the characters.
   EXPECT_TRUE(sxStrToInt(nullptr) == 0 && sxStrToInt("") == 0);
   EXPECT_EQ(sxStrToInt("a"), 0x62u);
   // "ab": (0x61 ^ 0) + 1 = 0x62; then byte 1 ^= 0x62 -> 0x6262, + 1.

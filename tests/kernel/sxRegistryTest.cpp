@@ -15,7 +15,6 @@
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 // Points the settings store at a private file for one test.
 class RegistryFile : public testing::Test {
  protected:
@@ -30,7 +29,6 @@ class RegistryFile : public testing::Test {
   sxtest::MessageCapture capture;
   std::string& messages = sxtest::MessageCapture::text();
 };
-
 }  // namespace
 
 TEST_F(RegistryFile, ValuesRoundTripByType) {

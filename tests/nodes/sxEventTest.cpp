@@ -10,7 +10,6 @@
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 using namespace sxtest;
 
 struct RecordingNode : sxActionNode {
@@ -195,5 +194,4 @@ TEST(sxEvent, CopiesShareTheActionsAndFilesKeepNameAndEnabledFlag) {
     EXPECT_EQ(f.getEntry(0)->getDataSize(), f.getEntry(1)->getDataSize() + 4);
   }
 }
-
 }  // namespace

@@ -9,7 +9,7 @@
 // The release of the last reference destroys at once (without threads
 // linked below the application thread), also past 16 bits of references;
 // an object nobody referenced dies at its first release.
-TEST(sxBase, ReleaseOfLastReferenceDestroysAtOnce) {
+TEST(sxBase, ReleaseOfLastReferenceDestroysAtOnceAndAttributesLastToFirst) {
   int before = sxTestNode::destroyed;
   auto* n = new sxTestNode;
   for (int i = 0; i < 70000; ++i) n->ref();
@@ -21,24 +21,32 @@ TEST(sxBase, ReleaseOfLastReferenceDestroysAtOnce) {
   (new sxTestNode)->unRef();
   EXPECT_EQ(std::tuple(sxTestNode::destroyed, sxBase::getNumPendingDeletions()),
             std::tuple(before + 2, 0));
-}
-
-TEST(sxBase, NamesAreOwnedCopiesReplacedOnEverySet) {
-  sxBase b;
-  char text[] = "first";
-  b.setName(text);
-  text[0] = 'X';
-  EXPECT_STREQ(b.getName(), "first");
-  b.setName("a much longer second name than the first");
-  b.setName(b.getName());  // self-assignment keeps the text
-  EXPECT_STREQ(b.getName(), "a much longer second name than the first");
-  b.setName(nullptr);
-  EXPECT_EQ(b.getName(), nullptr);
+  // The destructor releases the attributes, last to first.
+  static std::vector<int> order;
+  order.clear();
+  struct Recorder : sxTestNode {
+    explicit Recorder(int id) : id(id) {}
+    ~Recorder() override { order.push_back(id); }
+    int id;
+  };
+  auto* owner = new sxTestNode;
+  sxRef<Recorder> shared(new Recorder(99));  // kept alive by the test
+  owner->addAttribute(new Recorder(1));
+  owner->addAttribute(nullptr);  // ignored
+  owner->addAttribute(shared.get());
+  owner->addAttribute(new Recorder(3));
+  ASSERT_EQ(owner->getAttribList()->getNum(), 3);
+  EXPECT_EQ(shared->getRefCount(), 2);
+  delete owner;
+  EXPECT_EQ(order, (std::vector<int>{3, 1}));
+  EXPECT_EQ(shared->getRefCount(), 1);
+  shared.reset();
+  EXPECT_EQ(order.back(), 99);
 }
 
 // A copy takes the flags and the name but not the count or the attributes;
 // equality compares flags and names (byte for byte) only.
-TEST(sxBase, CopiesAndEqualityTakeFlagsAndNamesOnly) {
+TEST(sxBase, NamesCopiesAndEqualityTakeFlagsAndNamesOnly) {
   auto* attr = new sxTestNode;
   sxTestNode a;
   a.setName("orig");
@@ -62,29 +70,17 @@ TEST(sxBase, CopiesAndEqualityTakeFlagsAndNamesOnly) {
   EXPECT_TRUE(plain != b);
   plain.setName(nullptr);
   EXPECT_TRUE(plain == b);
-}
-
-TEST(sxBase, DestructorReleasesAttributesLastToFirst) {
-  static std::vector<int> order;
-  order.clear();
-  struct Recorder : sxTestNode {
-    explicit Recorder(int id) : id(id) {}
-    ~Recorder() override { order.push_back(id); }
-    int id;
-  };
-  auto* owner = new sxTestNode;
-  sxRef<Recorder> shared(new Recorder(99));  // kept alive by the test
-  owner->addAttribute(new Recorder(1));
-  owner->addAttribute(nullptr);  // ignored
-  owner->addAttribute(shared.get());
-  owner->addAttribute(new Recorder(3));
-  ASSERT_EQ(owner->getAttribList()->getNum(), 3);
-  EXPECT_EQ(shared->getRefCount(), 2);
-  delete owner;
-  EXPECT_EQ(order, (std::vector<int>{3, 1}));
-  EXPECT_EQ(shared->getRefCount(), 1);
-  shared.reset();
-  EXPECT_EQ(order.back(), 99);
+  // Names are owned copies, replaced on every set.
+  sxBase named;
+  char text[] = "first";
+  named.setName(text);
+  text[0] = 'X';
+  EXPECT_STREQ(named.getName(), "first");
+  named.setName("a much longer second name than the first");
+  named.setName(named.getName());  // self-assignment keeps the text
+  EXPECT_STREQ(named.getName(), "a much longer second name than the first");
+  named.setName(nullptr);
+  EXPECT_EQ(named.getName(), nullptr);
 }
 
 TEST(sxBase, TypeQueriesFollowTheClassTree) {

@@ -51,7 +51,6 @@ SX_IMPLEMENT_CLASS(sxFormOld, sxBase, sxType)
 SX_IMPLEMENT_CLASS_NOCOPY(sxFormOldSingle, sxBase, sxType)
 
 namespace {
-
 template <class C, class P>
 void expectListedOnlyUnderOwnClass() {
   SCOPED_TRACE(C::getClassName());
@@ -94,7 +93,6 @@ void expectListedOnlyUnderOwnClass() {
   }
   EXPECT_EQ(std::tuple(C::getNum(false), sxBase::getNum(false)), std::tuple(0, base));
 }
-
 }  // namespace
 
 TEST(sxClassForms, EveryFormListsItsObjectsOnceUnderTheirClass) {

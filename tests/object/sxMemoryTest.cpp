@@ -54,7 +54,7 @@ TEST(sxMemory, CompareReportsOnlyEquality) {
   EXPECT_EQ(std::tuple(sxMemory::compare(a, b, 4), sxMemory::compare32(a, b, 4)), std::tuple(1, 1));
 }
 
-TEST(sxArena, BlockSizesFitRulesAndFirstFit) {
+TEST(sxArena, BlockSizesFitRulesFirstFitAndTheListOfArenas) {
   EXPECT_EQ(sxArena(10).getBlockSize(), 64u);
   sxArena a(64);
   auto* first = static_cast<char*>(a.malloc(40));  // 16 + 40 < 64
@@ -102,21 +102,19 @@ TEST(sxArena, BlockSizesFitRulesAndFirstFit) {
   walk.reset();
   EXPECT_EQ(walk.malloc(96), x);
   EXPECT_EQ(walk.malloc(64), y);
-}
-
-TEST(sxArena, ListKeepsIndicesOfDestroyedArenas) {
+  // The list keeps the indices of destroyed arenas.
   int base = sxArena::getNum();
-  auto *a = new sxArena, *b = new sxArena, *c = new sxArena;
-  EXPECT_EQ(a->getIndex(), base);
-  delete b;
+  auto *la = new sxArena, *lb = new sxArena, *lc = new sxArena;
+  EXPECT_EQ(la->getIndex(), base);
+  delete lb;
   EXPECT_EQ(sxArena::getNum(), base + 3);
-  EXPECT_EQ(c->getIndex(), base + 2);
-  EXPECT_EQ(sxArena::get(base + 2), c);
+  EXPECT_EQ(lc->getIndex(), base + 2);
+  EXPECT_EQ(sxArena::get(base + 2), lc);
   for (int i : {base + 1, base + 3, -1}) EXPECT_EQ(sxArena::get(i), nullptr) << i;
   // A copy shares the blocks and is not listed.
-  sxArena alias(*c);
+  sxArena alias(*lc);
   EXPECT_EQ(alias.getIndex(), -1);
-  EXPECT_TRUE(alias.inRange(c->malloc(16)));
-  delete c;
-  delete a;
+  EXPECT_TRUE(alias.inRange(lc->malloc(16)));
+  delete lc;
+  delete la;
 }

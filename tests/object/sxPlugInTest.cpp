@@ -15,20 +15,11 @@ std::string moduleName(const char* path) {
 }
 }  // namespace
 
-TEST(sxPlugIn, ModuleNamesAreUpperCasedFileNamesWithoutTheDebugMarker) {
-  EXPECT_EQ(moduleName("C:\\app\\plugins\\sxWater-dbg.dll"), "SXWATER.DLL");
-  EXPECT_EQ(moduleName("sxWater-DBG.dll"), "SXWATER.DLL");
-  EXPECT_EQ(moduleName("/usr/lib/sxcore/libsxWater.so"), "LIBSXWATER.SO");
-  EXPECT_EQ(moduleName("plain.dll"), "PLAIN.DLL");
-  EXPECT_EQ(moduleName("a-dbg-dbg.dll"), "A-DBG.DLL");  // only the first marker goes
-  EXPECT_EQ(moduleName(nullptr), "(null)");
-}
-
 // The library's own record is found by its module's name or handle, owns
 // the built-in classes, is neither saved with files nor unloaded, and
 // loading a module of that name again returns it without a word. Other
 // records cannot be made on the heap and leave the list when destroyed.
-TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloadedOthersAreListedWhileTheyLive) {
+TEST(sxPlugIn, ModuleNamesRecordsAndTheKernelRecord) {
   sxPlugIn* kernel = sxPlugIn::find("sxcore.dll");
   ASSERT_NE(kernel, nullptr);
   EXPECT_NE(kernel->getVersion(), sxGetVersion()) << "the record's build is 0";
@@ -60,4 +51,11 @@ TEST(sxPlugIn, KernelRecordIsFoundAndNeverUnloadedOthersAreListedWhileTheyLive) 
     EXPECT_EQ(local.getRefCount(), 0);
   }
   EXPECT_EQ(std::tuple(sxPlugIn::getNum(), sxPlugIn::get(before)), std::tuple(before, nullptr));
+  // Module names are upper-cased file names without the debug marker.
+  EXPECT_EQ(moduleName("C:\\app\\plugins\\sxWater-dbg.dll"), "SXWATER.DLL");
+  EXPECT_EQ(moduleName("sxWater-DBG.dll"), "SXWATER.DLL");
+  EXPECT_EQ(moduleName("/usr/lib/sxcore/libsxWater.so"), "LIBSXWATER.SO");
+  EXPECT_EQ(moduleName("plain.dll"), "PLAIN.DLL");
+  EXPECT_EQ(moduleName("a-dbg-dbg.dll"), "A-DBG.DLL");  // only the first marker goes
+  EXPECT_EQ(moduleName(nullptr), "(null)");
 }

@@ -10,7 +10,6 @@
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 using namespace sxtest;
 
 sxThread* app() {
@@ -199,5 +198,4 @@ TEST(sxDeferredDeletion, HundredThousandReleasesThroughAChainOfThree) {
   releaseUnderLoad(100000, false);
   releaseUnderLoad(20000, true);  // handed back to the application thread
 }
-
 }  // namespace

@@ -6,7 +6,6 @@
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 using namespace sxtest;
 
 // True when another thread can take the lock within timeoutMs (and gives
@@ -98,5 +97,4 @@ TEST(sxLock, KernelLocksAreNamedAndTheTypeLockIsReentrant) {
   sxBase::getClassType()->unlockInstanceList();
   EXPECT_FALSE(typeLock->isHeldByCurrentThread());
 }
-
 }  // namespace

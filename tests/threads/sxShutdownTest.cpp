@@ -13,7 +13,6 @@
 // sxShutdown ends the kernel for the whole process, so each scenario runs
 // in a forked child and answers with its exit code.
 namespace {
-
 using namespace sxtest;
 
 // What the child found; 0 when all was well.
@@ -120,5 +119,4 @@ TEST(sxShutdown, CarriesOutPendingWorkClosesContextsAndReleasesTheKernel) {
 TEST(sxShutdown, WorkersStillRunningAtExitAreStopped) {
   expectChildExit(&exitWithWorkersRunning, 0);
 }
-
 }  // namespace

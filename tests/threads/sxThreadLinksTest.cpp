@@ -1,48 +1,41 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
 #include <utility>
 
 #include "support/sxThreadTestSupport.h"
 
 using namespace sxtest;
 using Link = std::pair<sxThread*, sxThread*>;
-using Upstream = std::pair<sxThread*, int>;
 
-TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
+TEST(sxThreadLinks, LinksAreCountedRefusedAndFollowedUpstream) {
   const int links = sxThread::getTotalNumDownstreamThreads();
   Pipeline p;
-  sxThread* a = p.add();
-  sxThread* b = p.add();
-  sxThread* c = p.add();
-  sxThread* dead = p.add();
+  sxThread* a = p.chain(3);
+  ASSERT_TRUE(a);
+  sxThread *b = p.threads[1], *c = p.threads[2], *dead = p.add();
   dead->kill();
-  ASSERT_TRUE(p.link(a, b));
-  ASSERT_TRUE(p.link(b, c));
   // None, itself, a dead thread either way, a link already made, a cycle.
   for (auto [up, down] : {Link{a, nullptr}, {a, a}, {a, dead}, {dead, a}, {a, b}, {c, a}, {b, a}})
     EXPECT_FALSE(up->addDownstreamThread(down));
-  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
-  EXPECT_EQ(a->getNumDownstreamThreads(), 1);
-  EXPECT_EQ(a->getDownstreamThread(0), b);
-  EXPECT_EQ(a->getDownstreamThread(1), nullptr);
-  EXPECT_EQ(a->getDownstreamThread(-1), nullptr);
+  EXPECT_EQ(
+      std::tuple(sxThread::getTotalNumDownstreamThreads(), a->getNumDownstreamThreads(),
+                 a->getDownstreamThread(0), a->getDownstreamThread(1), a->getDownstreamThread(-1)),
+      std::tuple(links + 2, 1, b, nullptr, nullptr));
   EXPECT_TRUE(c->hasAncestor(a) && c->hasAncestor(b));
   for (auto [t, ancestor] : {Link{a, c}, {a, a}, {c, nullptr}})
     EXPECT_FALSE(t->hasAncestor(ancestor));
-  EXPECT_FALSE(a->removeDownstreamThread(c));  // not a direct link
-  EXPECT_FALSE(a->removeDownstreamThread(nullptr));
+  // Not a direct link, not a thread.
+  EXPECT_FALSE(a->removeDownstreamThread(c) || a->removeDownstreamThread(nullptr));
   EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
-}
-
-TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
-  Pipeline p;
-  sxThread* first = p.add();
-  sxThread* second = p.add();
+  // The upstream thread is the first feeder and moves on when it leaves.
+  sxThread *first = p.add(), *second = p.add();
   sxThread* fed = p.addBelow(first);
   ASSERT_TRUE(p.link(second, fed));
   sxThread* sibling = p.addBelow(first);
   sxThread* stranger = p.add();
-  EXPECT_EQ(std::pair(fed->getUpstreamThread(), fed->getNumUpstreamThreads()), Upstream(first, 2));
+  EXPECT_EQ(std::tuple(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
+            std::tuple(first, 2));
   EXPECT_TRUE(fed->shareCommonAncestor(sibling) && sibling->shareCommonAncestor(fed));
   // Not with an unlinked thread, nor where neither is fed, nor with none.
   for (auto [x, y] : {Link{fed, stranger}, {first, second}, {fed, nullptr}})
@@ -51,8 +44,8 @@ TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
   EXPECT_EQ(fed->getUpstreamThread(), second);
   EXPECT_FALSE(fed->shareCommonAncestor(sibling));
   EXPECT_TRUE(second->removeDownstreamThread(fed));
-  EXPECT_EQ(std::pair(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
-            Upstream(nullptr, 0));
+  EXPECT_EQ(std::tuple(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
+            std::tuple(nullptr, 0));
   // Now the former cycle is allowed the other way round.
   EXPECT_TRUE(fed->addDownstreamThread(first) && fed->removeDownstreamThread(first));
 }

@@ -9,7 +9,6 @@
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 using namespace sxtest;
 
 // Records where the hooks ran and writes to itself after releasing its
@@ -153,5 +152,4 @@ TEST(sxThreadQueue, QueueBetweenTwoThreadsKeepsOrder) {
   consumer.join();
   EXPECT_TRUE(ordered.load());
 }
-
 }  // namespace
