@@ -28,7 +28,7 @@ using Paths = std::vector<std::string>;
 
 // Each entry ends in a separator (a backslash is one too) and is kept once,
 // compared by case; lists split at semicolons and keep their order.
-TEST_F(FilePaths, EntriesEndInASeparatorAndAreUnique) {
+TEST_F(FilePaths, EntriesEndInASeparatorAreUniqueAndNamesFollowTheLastOne) {
   for (const char* path : {"data", "data/", "Data/", "win\\", ""}) sxAddFilePath(path);
   sxAddFilePath(nullptr);
   EXPECT_EQ(filePaths(), (Paths{"data/", "Data/", "win\\"}));
@@ -42,6 +42,13 @@ TEST_F(FilePaths, EntriesEndInASeparatorAndAreUnique) {
   EXPECT_EQ(filePaths(), (Paths{"a/", "b/", "c/", "d/"}));
   sxDeleteFilePaths();
   EXPECT_EQ(sxGetNumFilePaths(), 0);
+  // A file name starts after the last separator.
+  const char* p = "a\\b/c.x";
+  EXPECT_EQ(sxGetFileName(p), p + 4);
+  for (const char* dir : {"dir/", "dir\\", ""}) EXPECT_EQ(sxGetFileName(dir), nullptr) << dir;
+  EXPECT_EQ(sxGetFileName(nullptr), nullptr);
+  const char* bare = "plain.sx";
+  EXPECT_EQ(sxGetFileName(bare), bare);
 }
 
 TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
@@ -71,13 +78,4 @@ TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
   EXPECT_EQ(std::string(small, 5), expected.substr(0, 4) + "#");
   for (const char* none : {static_cast<const char*>(nullptr), "missing.sx"})
     EXPECT_EQ(find(none), std::tuple(0, ""));
-}
-
-TEST(sxGetFileName, PointsAfterTheLastSeparator) {
-  const char* p = "a\\b/c.x";
-  EXPECT_EQ(sxGetFileName(p), p + 4);
-  for (const char* dir : {"dir/", "dir\\", ""}) EXPECT_EQ(sxGetFileName(dir), nullptr) << dir;
-  EXPECT_EQ(sxGetFileName(nullptr), nullptr);
-  const char* bare = "plain.sx";
-  EXPECT_EQ(sxGetFileName(bare), bare);
 }

@@ -23,7 +23,7 @@ SX_TEST_CLASS(sxTestFindable, sxBase)
 SX_TEST_CLASS(sxTestFindableChild, sxTestFindable)
 
 // Lookups in any letter case are tested with every library class below.
-TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
+TEST(sxType, UnknownNamesAbstractClassesAndSourcesOfOtherClassesMakeNothing) {
   for (const char* name : {"", "sxNoSuchClass"}) EXPECT_EQ(sxType::findType(name), nullptr) << name;
   EXPECT_EQ(sxType::findType(nullptr), nullptr);
   EXPECT_EQ(sxType::createInstance("sxNoSuchClass"), nullptr);
@@ -36,9 +36,22 @@ TEST(sxType, UnknownNamesAndAbstractClassesMakeNothing) {
   EXPECT_TRUE(t && t->isAbstract());
   EXPECT_EQ(sxType::createInstance("sxTestAbstract"), nullptr);
   EXPECT_EQ(sxTestAbstract::createInstance(nullptr), nullptr);
+  // Creation from a source copies an object of exactly the class; the copy
+  // is listed under its own class only.
+  const int nodes = sxTestNode::getNum(false), leaves = sxTestLeaf::getNum(false);
+  sxTestLeaf leaf;
+  sxTestNode other;
+  sxRef<sxBase> copy(sxTestLeaf::createInstance(&leaf));
+  ASSERT_NE(copy, nullptr);
+  EXPECT_TRUE(copy->isOfExactType(sxTestLeaf::getClassType()));
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 2);
+  EXPECT_EQ(sxTestNode::getNum(true), nodes + leaves + 3);
+  EXPECT_EQ(sxTestLeaf::createInstance(&other), nullptr);
+  copy.reset();
+  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 1);
 }
 
-TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
+TEST(sxType, RecordsComeOnFirstUseAndGoWithTheLastInstanceOnceDeleted) {
   static sxPlugIn plugIn;
   plugIn.setRelease(3, 4, 5, nullptr);
   const int announced = sxType::getNumRegisteredClasses(), types = sxType::getNumTypes();
@@ -61,22 +74,26 @@ TEST(sxType, AnnouncedClassesGetTheirRecordOnFirstUse) {
   // Announcing a created class does nothing.
   sxTestLazy::registerClass(&plugIn);
   EXPECT_EQ(sxType::getNumRegisteredClasses(), announced);
-}
-
-// Creation from a source copies an object of exactly the class; the copy
-// is listed under its own class only.
-TEST(sxType, CreationFromASourceCopiesOnlyItsOwnClass) {
-  const int nodes = sxTestNode::getNum(false), leaves = sxTestLeaf::getNum(false);
-  sxTestLeaf leaf;
-  sxTestNode other;
-  sxRef<sxBase> copy(sxTestLeaf::createInstance(&leaf));
-  ASSERT_NE(copy, nullptr);
-  EXPECT_TRUE(copy->isOfExactType(sxTestLeaf::getClassType()));
-  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 2);
-  EXPECT_EQ(sxTestNode::getNum(true), nodes + leaves + 3);
-  EXPECT_EQ(sxTestLeaf::createInstance(&other), nullptr);
-  copy.reset();
-  EXPECT_EQ(sxTestLeaf::getNum(false), leaves + 1);
+  // A record whose deletion is pending goes with its last instance.
+  auto *a = new sxTestTransient, *b = new sxTestTransient;
+  sxType* transient = sxTestTransient::getClassType();
+  ASSERT_NE(transient, nullptr);
+  const int before = sxType::getNumTypes();
+  EXPECT_TRUE(!transient->deleteType() && transient->isDeletePending());
+  a->unRef();
+  EXPECT_EQ(sxTestTransient::getClassType(), transient);
+  b->unRef();
+  // The record went (its removeFunc ran).
+  EXPECT_EQ(std::tuple(sxTestTransient::getClassType(), sxType::getNumTypes(),
+                       sxType::findType("sxTestTransient")),
+            std::tuple(nullptr, before - 1, nullptr));
+  // The class can be created again.
+  sxRef<sxTestTransient> c(new sxTestTransient);
+  ASSERT_NE(sxTestTransient::getClassType(), nullptr);
+  EXPECT_EQ(sxTestTransient::getNum(false), 1);
+  c.reset();
+  EXPECT_TRUE(sxTestTransient::getClassType()->deleteType());
+  EXPECT_EQ(sxTestTransient::getClassType(), nullptr);
 }
 
 TEST(sxType, FindWalksInstancesInGetOrder) {
@@ -106,28 +123,6 @@ TEST(sxType, FindWalksInstancesInGetOrder) {
   EXPECT_EQ(std::pair(sxTestFindable::get(1), sxTestFindable::getNum(false)), std::pair(other, 2));
   for (sxBase* o : {upper, other, child}) o->unRef();
   EXPECT_EQ(sxTestFindable::getNum(true), 0);
-}
-
-TEST(sxType, DeletePendingRecordGoesWithItsLastInstance) {
-  auto *a = new sxTestTransient, *b = new sxTestTransient;
-  sxType* t = sxTestTransient::getClassType();
-  ASSERT_NE(t, nullptr);
-  int types = sxType::getNumTypes();
-  EXPECT_TRUE(!t->deleteType() && t->isDeletePending());
-  a->unRef();
-  EXPECT_EQ(sxTestTransient::getClassType(), t);
-  b->unRef();
-  // The record went (its removeFunc ran).
-  EXPECT_EQ(std::tuple(sxTestTransient::getClassType(), sxType::getNumTypes(),
-                       sxType::findType("sxTestTransient")),
-            std::tuple(nullptr, types - 1, nullptr));
-  // The class can be created again.
-  sxRef<sxTestTransient> c(new sxTestTransient);
-  ASSERT_NE(sxTestTransient::getClassType(), nullptr);
-  EXPECT_EQ(sxTestTransient::getNum(false), 1);
-  c.reset();
-  EXPECT_TRUE(sxTestTransient::getClassType()->deleteType());
-  EXPECT_EQ(sxTestTransient::getClassType(), nullptr);
 }
 
 namespace {
