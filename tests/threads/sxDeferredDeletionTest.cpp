@@ -105,7 +105,6 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   app()->processQueue(false);
   ASSERT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
   EXPECT_EQ(app()->getNumDownstreamThreads(), 0);
-
   // A worker that drops the last reference to itself from its own action.
   auto* self = new sxThread;
   self->ref();
@@ -117,7 +116,6 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   self->run();
   handedOver.store(true);  // from here on only the worker uses the object
   EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
-
   // a feeds b. a's object is released; b is the last to pass it, at a time
   // when a waits for b to flush. Destroying a there would join a from b.
   Pipeline p;

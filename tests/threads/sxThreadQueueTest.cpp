@@ -29,27 +29,6 @@ struct RecordingFlush : sxFlushThread {
   int posts = 0;
 };
 
-TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
-  Pipeline p;
-  sxThread* t = p.add();         // never run: its queue is carried out from here
-  CountingAction later, direct;  // the queue takes no references
-  FunctionAction poster(
-      [&](sxBase* object, sxEvent*) { static_cast<sxThread*>(object)->addActionToQueue(&later); });
-  t->addActionToQueue(&poster);
-  t->addActionToQueue(&direct);
-  t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
-  EXPECT_EQ(t->processQueue(false), 2);
-  // Queued actions get the thread; what they post meanwhile waits for the
-  // next call.
-  EXPECT_EQ(std::tuple(direct.lastObject.load(), later.count.load()), std::tuple(t, 0));
-  EXPECT_EQ(t->processQueue(false), 1);
-  EXPECT_EQ(t->processQueue(false), 0);
-  // untilEmpty also takes what is posted meanwhile.
-  t->addActionToQueue(&poster);
-  EXPECT_EQ(t->processQueue(true), 2);
-  EXPECT_EQ(later.count.load(), 2);
-}
-
 TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   Pipeline p;
   sxThread* top = p.add();
@@ -69,7 +48,7 @@ TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
 // A synchronous action returns to its poster after the thread is done with
 // it: the poster frees it at once. Flushing from inside the thread itself
 // does not wait for itself, and dead threads block nothing.
-TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
+TEST(sxThreadQueue, ProcessingSynchronousActionsAndFlushesNeverWaitInVain) {
   Pipeline p;
   sxThread* t = p.chain(2);
   ASSERT_TRUE(t);
@@ -83,7 +62,6 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
     f.reset();  // freed at once: the thread must no longer touch it
   }
   t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
-
   CountingAction queued;
   std::atomic<int> flushedInside{0};
   FunctionAction selfFlush([&](sxBase* object, sxEvent*) {
@@ -98,7 +76,6 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
   ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));
   EXPECT_EQ(flushedInside.load(), 2);
   t->kill();  // the action has returned before the locals it uses go
-
   RecordingFlush f;
   withDeadline("flush of a dead thread", [&] {
     t->addActionToQueue(&queued);  // a dead thread runs no actions
@@ -107,6 +84,24 @@ TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
   });
   EXPECT_EQ(std::tuple(queued.count.load(), f.posts), std::tuple(1, 1));
   EXPECT_EQ(t->processQueue(true), 0);
+  // processQueue takes only what was queued when it started.
+  sxThread* idle = p.add();      // never run: its queue is carried out from here
+  CountingAction later, direct;  // the queue takes no references
+  FunctionAction poster(
+      [&](sxBase* object, sxEvent*) { static_cast<sxThread*>(object)->addActionToQueue(&later); });
+  idle->addActionToQueue(&poster);
+  idle->addActionToQueue(&direct);
+  idle->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
+  EXPECT_EQ(idle->processQueue(false), 2);
+  // Queued actions get the thread; what they post meanwhile waits for the
+  // next call.
+  EXPECT_EQ(std::tuple(direct.lastObject.load(), later.count.load()), std::tuple(idle, 0));
+  EXPECT_EQ(idle->processQueue(false), 1);
+  EXPECT_EQ(idle->processQueue(false), 0);
+  // untilEmpty also takes what is posted meanwhile.
+  idle->addActionToQueue(&poster);
+  EXPECT_EQ(idle->processQueue(true), 2);
+  EXPECT_EQ(later.count.load(), 2);
 }
 
 TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {

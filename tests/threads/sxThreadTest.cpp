@@ -40,7 +40,6 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   t->run();   // and nothing revives it
   // Kill returned after the thread ended.
   EXPECT_TRUE(staysAt(applied) && applied() == atKill && t->getState() == sxThread::DEAD);
-
   // A triggered thread runs one iteration per run(), however early they
   // come; suspension stops a free-running one before its next iteration,
   // and killing a waiting or suspended thread ends it.
@@ -53,7 +52,6 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   EXPECT_EQ(once->count.load(), 3);
   triggered->kill();
   EXPECT_EQ(triggered->getState(), sxThread::DEAD);
-
   sxThread* free = p.add();
   auto loop = make();
   const auto loops = [&] { return loop->count.load(); };
