@@ -26,8 +26,8 @@ std::vector<std::string> filePaths() {
 using Paths = std::vector<std::string>;
 }  // namespace
 
-// Each entry ends in a separator (a backslash is one too) and is kept once,
-// compared by case; lists split at semicolons and keep their order.
+// Entries end in a separator (a backslash is one too) and are kept once, compared by
+// case; lists split at semicolons and keep their order.
 TEST_F(FilePaths, EntriesEndInASeparatorAreUniqueAndNamesFollowTheLastOne) {
   for (const char* path : {"data", "data/", "Data/", "win\\", ""}) sxAddFilePath(path);
   sxAddFilePath(nullptr);

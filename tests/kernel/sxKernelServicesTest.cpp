@@ -8,9 +8,8 @@
 
 #include "support/sxThreadTestSupport.h"
 
-// The version word unpacks into the fields it was packed from, and the
-// signature names the same release. Fields are not masked: a field too
-// large spills into its neighbour.
+// The version word unpacks into its fields, and the signature names the same release.
+// Fields are not masked: a field too large spills into its neighbour.
 TEST(sxKernel, VersionWordAndSignatureAgree) {
   const unsigned v = sxGetVersion();
   EXPECT_EQ(sxMakeVersion(sxGetMajorVersion(v), sxGetMinorVersion(v), sxGetBuildVersion(v)), v);

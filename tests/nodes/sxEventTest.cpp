@@ -89,8 +89,7 @@ TEST(sxEvent, TriggerRunsActionsNodesAndChainedEventsInOrderAndRemovalFillsTheHo
   // An event is an action itself through apply.
   EXPECT_TRUE(inner->apply(nullptr, outer.get()));
   EXPECT_EQ(action->count.load(), 2);
-  // A loop of chained events ends at the nesting limit instead of
-  // overflowing the stack.
+  // A loop of chained events ends at the nesting limit, not in a stack overflow.
   EXPECT_TRUE(inner->addAction(outer.get()));
   outer->trigger(&object);
   EXPECT_EQ(action->count.load(), 2 + sxEvent::maxChainDepth / 2);
@@ -100,8 +99,7 @@ TEST(sxEvent, TriggerRunsActionsNodesAndChainedEventsInOrderAndRemovalFillsTheHo
   EXPECT_EQ(inner->getRefCount(), 1);
 }
 
-// A trigger wakes every thread waiting at the time, also while the event
-// is disabled and runs nothing.
+// A trigger wakes every waiting thread, also while the event is disabled and runs nothing.
 TEST(sxEvent, EveryTriggerWakesAllWaiters) {
   auto e = make<sxEvent>();
   auto action = make();
@@ -155,8 +153,7 @@ TEST(sxEvent, ActionsOfOneEventNeverOverlap) {
   EXPECT_EQ(std::pair(overlaps.load(), runs.load()), std::pair(0, 8000));
 }
 
-// A copy shares the actions; the file record keeps the name and the
-// enabled flag but no actions.
+// A copy shares the actions; the file record keeps the name and enabled flag only.
 TEST(sxEvent, CopiesShareTheActionsAndFilesKeepNameAndEnabledFlag) {
   sxTempDir dir;
   const std::string path = dir.file("events.sx");

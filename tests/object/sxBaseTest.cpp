@@ -6,9 +6,8 @@
 
 #include "support/sxTestClasses.h"
 
-// The release of the last reference destroys at once (without threads
-// linked below the application thread), also past 16 bits of references;
-// an object nobody referenced dies at its first release.
+// Without linked threads the last release destroys at once, also past 16 bits of
+// references; an object nobody referenced dies at its first release.
 TEST(sxBase, ReleaseOfLastReferenceDestroysAtOnceAndAttributesLastToFirst) {
   int before = sxTestNode::destroyed;
   auto* n = new sxTestNode;

@@ -1,7 +1,6 @@
-// Every way of declaring a class lists its objects under their own class,
-// once, whatever constructor builds them: the current forms with no call in
-// any constructor, and the superseded forms that plug-ins were written
-// against, with their initInstance() calls.
+// Every way of declaring a class lists its objects once under their own class: the
+// current forms with no call in any constructor, and the superseded forms that
+// plug-ins were written against, with their initInstance() calls.
 
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>

@@ -31,8 +31,7 @@ TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
   EXPECT_EQ(std::count(z, z + 100, 0), 100);
   sxMemory::free(z);
   EXPECT_EQ(sxMemory::getSize(), before);
-  // Objects are accounted as well (the class's record and instance list
-  // exist after the first one).
+  // Objects are accounted too (the class record and list exist after the first one).
   (new sxGroup)->unRef();
   before = sxMemory::getSize();
   {

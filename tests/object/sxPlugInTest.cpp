@@ -15,10 +15,9 @@ std::string moduleName(const char* path) {
 }
 }  // namespace
 
-// The library's own record is found by its module's name or handle, owns
-// the built-in classes, is neither saved with files nor unloaded, and
-// loading a module of that name again returns it without a word. Other
-// records cannot be made on the heap and leave the list when destroyed.
+// The library's record is found by module name or handle, owns the built-in classes, is
+// neither saved nor unloaded, and loading its module again returns it without a word.
+// Other records cannot be made on the heap and leave the list when destroyed.
 TEST(sxPlugIn, ModuleNamesRecordsAndTheKernelRecord) {
   sxPlugIn* kernel = sxPlugIn::find("sxcore.dll");
   ASSERT_NE(kernel, nullptr);

@@ -36,8 +36,7 @@ TEST(sxType, UnknownNamesAbstractClassesAndSourcesOfOtherClassesMakeNothing) {
   EXPECT_TRUE(t && t->isAbstract());
   EXPECT_EQ(sxType::createInstance("sxTestAbstract"), nullptr);
   EXPECT_EQ(sxTestAbstract::createInstance(nullptr), nullptr);
-  // Creation from a source copies an object of exactly the class; the copy
-  // is listed under its own class only.
+  // Creation from a source copies only its own class, listed under that class only.
   const int nodes = sxTestNode::getNum(false), leaves = sxTestLeaf::getNum(false);
   sxTestLeaf leaf;
   sxTestNode other;
@@ -83,7 +82,6 @@ TEST(sxType, RecordsComeOnFirstUseAndGoWithTheLastInstanceOnceDeleted) {
   a->unRef();
   EXPECT_EQ(sxTestTransient::getClassType(), transient);
   b->unRef();
-  // The record went (its removeFunc ran).
   EXPECT_EQ(std::tuple(sxTestTransient::getClassType(), sxType::getNumTypes(),
                        sxType::findType("sxTestTransient")),
             std::tuple(nullptr, before - 1, nullptr));
@@ -105,8 +103,7 @@ TEST(sxType, FindWalksInstancesInGetOrder) {
   sxTestFindable* lower = named(new sxTestFindable, "a");
   sxTestFindable* child = named(new sxTestFindableChild, "a");
   sxTestFindable* other = named(new sxTestFindable, "b");
-  // Own instances in order; derived ones follow when asked for; a start
-  // must be a match.
+  // Own instances in order, derived ones when asked for; a start must be a match.
   EXPECT_EQ(std::tuple(sxTestFindable::find("a"), sxTestFindable::find("a", upper),
                        sxTestFindable::find("a", lower), sxTestFindable::find("a", lower, true)),
             std::tuple(upper, lower, nullptr, child));
@@ -134,11 +131,9 @@ std::string mixCase(const char* s, std::size_t seed) {
 }
 }  // namespace
 
-// Every class of the library, as the registry lists it: found by name in
-// any letter case, a child of its parent, numbered in the family of its
-// root class if it has one (sxGroup and the classes below it, the classes
-// below each trait class), and, unless abstract, creatable by name with its
-// objects and their copies counted while they live.
+// Every library class is found by name in any letter case, a child of its parent,
+// numbered in the family of its root class (sxGroup and below, below each trait class),
+// and, unless abstract, made by name with its objects and copies counted while alive.
 TEST(sxType, EveryLibraryClassIsFoundCreatedAndCounted) {
   sxType::initAllRegisteredClasses();
   struct Root {
@@ -192,9 +187,8 @@ TEST(sxType, EveryLibraryClassIsFoundCreatedAndCounted) {
   EXPECT_GT(created, 40);
 }
 
-// Initialising every announced class ends even when an initialisation
-// function makes no record. A family's numbers: the range test of creation
-// by number accepts the count itself, and gives null there and below 0.
+// Initialising every announced class ends even when one makes no record. Creation by
+// family number gives null at the count and below 0.
 TEST(sxType, InitialisingAllAnnouncedClassesTerminatesAndFamiliesCreateByNumber) {
   sxType::registerClass(
       "sxTestNeverCreated", [](sxPlugIn*) {}, nullptr);

@@ -1,8 +1,8 @@
 #pragma once
 
-// Helpers shared by the thread tests: counting actions, objects that count
-// their destruction, a pipeline of worker threads that cleans up after
-// itself, and bounded waiting (a hang fails the test instead of the run).
+// Helpers of the thread tests: counting actions, objects counting their destruction,
+// worker threads that clean up after themselves, and bounded waits (a hang fails the
+// test instead of the run).
 
 #include <sx/sxCore.h>
 
@@ -91,9 +91,8 @@ inline void inThreads(int n, const std::function<void(int)>& body) {
   for (std::thread& t : threads) t.join();
 }
 
-// Runs body on a helper thread; a body that has not returned after
-// seconds ends the process with a message, so that a deadlock fails the
-// test instead of stalling the run.
+// Runs body on a helper thread; a body still running after seconds ends the process
+// with a message, so that a deadlock fails the test instead of stalling the run.
 inline void withDeadline(const char* what, const std::function<void()>& body, int seconds = 60) {
   std::atomic<bool> done{false};
   std::thread runner([&] {
@@ -108,9 +107,8 @@ inline void withDeadline(const char* what, const std::function<void()>& body, in
   runner.join();
 }
 
-// Worker threads created for one test, with the links they were given.
-// The destructor kills them, removes the links, releases them and carries
-// out what that left on the application thread's queue.
+// Worker threads of one test and their links. The destructor kills them, removes the
+// links, releases them and carries out what that left on the application queue.
 struct Pipeline {
   sxThread* add(sxThread::MODE mode = sxThread::FREE_RUNNING, const char* name = nullptr) {
     sxThread* t = new sxThread;
@@ -130,8 +128,8 @@ struct Pipeline {
     sxThread* t = add(mode);
     return link(up, t) ? t : nullptr;
   }
-  // n new threads, each linked below the one before and the first below
-  // above (if given); the first of them, or null when a link failed.
+  // n new threads, each below the one before, the first below above (if given); the
+  // first of them, or null when a link failed.
   sxThread* chain(int n, sxThread* above = nullptr) {
     sxThread* first = nullptr;
     for (int i = 0; i < n; ++i) {

@@ -16,10 +16,9 @@ sxThread* app() {
   return sxGetAppThread();
 }
 
-// A release with n links below the application thread counts -1 - n; each
-// thread that passes the request on adds one, and the last destroys the
-// object, or, with application-thread deletion, hands it back to the
-// application thread for that. The tests carry out the queues themselves.
+// A release with n links below the application thread counts -1 - n; each thread passing
+// the request adds one, and the last destroys the object or, with application-thread
+// deletion, hands it back for that. The tests carry out the queues themselves.
 TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
   for (bool handBack : {false, true}) {
     sxThread::enableAppThreadDeletion(handBack);
@@ -58,8 +57,7 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   std::atomic<int> destroyed{0};
   (new Probe(&destroyed))->unRef();  // counted with two links
   app()->processQueue(false);
-  // A third link appears while the request sits in a's queue, and a link
-  // it would have used goes away.
+  // A third link appears while the request sits in a's queue; one it would use goes.
   ASSERT_TRUE(p.link(a, c));
   a->processQueue(false);
   EXPECT_EQ(destroyed.load(), 0);
@@ -73,9 +71,8 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
 }
 
 TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) {
-  // app feeds a and b, both feed d (d's upstream is a); dead hangs below a;
-  // x feeds y apart from the application thread. Five links, so a release
-  // counts -6, but only app, a, b and d pass the object.
+  // app feeds a and b, both feed d (d's upstream is a); dead hangs below a; x feeds y
+  // apart. Five links: a release counts -6, but only app, a, b and d pass the object.
   Pipeline p;
   sxThread* a = p.addBelow(app());
   sxThread* b = p.addBelow(app());
@@ -116,8 +113,8 @@ TEST(sxDeferredDeletion, AThreadReleasedWhileLinkedDiesOnItsOwnTurn) {
   self->run();
   handedOver.store(true);  // from here on only the worker uses the object
   EXPECT_TRUE(waitUntil([&] { return sxThread::getNum() == threads; }));
-  // a feeds b. a's object is released; b is the last to pass it, at a time
-  // when a waits for b to flush. Destroying a there would join a from b.
+  // a feeds b; b is the last to pass a's release while a waits for b to flush.
+  // Destroying a there would join a from b.
   Pipeline p;
   auto* a = new sxThread;
   a->ref();
@@ -174,9 +171,8 @@ void releaseUnderLoad(int objects, bool appThreadDeletion) {
         }
         if (i % 1000 == 999) app()->processQueue(false);
       }
-      // Carry everything through: the application queue, then a flush of
-      // the chain, until the last thread has released its share and every
-      // request has come back.
+      // Carry everything through until the last thread has released its share and
+      // every request has come back.
       while (true) {
         app()->processQueue(true);
         a->flushQueue();

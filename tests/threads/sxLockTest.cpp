@@ -8,8 +8,7 @@
 namespace {
 using namespace sxtest;
 
-// True when another thread can take the lock within timeoutMs (and gives
-// it back at once).
+// True when another thread can take the lock within timeoutMs (and gives it back).
 bool freeForOthers(sxLock& lock, int timeoutMs = 0) {
   bool taken = false;
   std::thread([&] {
@@ -71,13 +70,12 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_TRUE(waitUntil([&] { return held.load(); }));
   sxLock::enableAll(false);
   EXPECT_FALSE(sxLock::isEnabled());
-  // Nothing waits while locks are off, not even for a lock another thread
-  // holds, and available() answers true without taking anything.
+  // Nothing waits while locks are off, not even for another thread's lock, and
+  // available() answers true without taking anything.
   EXPECT_TRUE(theirs.acquire() && theirs.acquire(0) && theirs.available());
   theirs.release();
   sxLock::enableAll(true);
-  // The lock this thread held was released once on the way off; the one
-  // the other thread held is still its own.
+  // This thread's lock was released once on the way off; the other thread keeps its.
   EXPECT_TRUE(!mine.isHeldByCurrentThread() && freeForOthers(mine));
   EXPECT_FALSE(theirs.acquire(0));
   done.store(true);
@@ -85,8 +83,7 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_TRUE(freeForOthers(theirs));
 }
 
-// The five kernel locks exist from load time under their names; the type
-// lock is re-entrant: a lookup while holding it does not block.
+// The kernel locks exist from load time; the type lock is re-entrant.
 TEST(sxLock, KernelLocksAreNamedAndTheTypeLockIsReentrant) {
   for (const char* name :
        {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})

@@ -25,8 +25,8 @@ TEST(sxSemaphore, CountsMaximumTimeoutsAndTheCountField) {
   sxSemaphore high(5, 2), low(-3, 0);
   EXPECT_EQ(std::pair(high.getMaximum(), high.getAvailable()), std::pair(2, 2));
   EXPECT_EQ(std::pair(low.getMaximum(), low.getAvailable()), std::pair(1, 0));
-  // A timed-out dec still succeeds: nothing was taken, but the count field
-  // went down. While semaphores are off, nothing waits or is released.
+  // A timed-out dec succeeds and lowers the count field although nothing was taken.
+  // While semaphores are off, nothing waits or is released.
   auto start = std::chrono::steady_clock::now();
   EXPECT_TRUE(low.dec(20));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(15));
@@ -60,8 +60,8 @@ TEST(sxSemaphore, ProducersAndConsumersBalance) {
 }
 
 TEST(sxSemaphore, AReleasedWaiterMayDestroyTheSemaphoreAtOnce) {
-  // The waiter frees the semaphore as soon as its dec returns; the releasing
-  // inc must not touch it afterwards (the sanitizers watch this).
+  // The waiter frees the semaphore once its dec returns: the releasing inc must not
+  // touch it afterwards (the sanitizers watch this).
   for (int round = 0; round < 300; ++round) {
     auto* s = new sxSemaphore(0, 1);
     s->ref();

@@ -36,10 +36,9 @@ sxThread* newWorker(sxThread::MODE mode) {
   return t;
 }
 
-// A chain of three free-running threads below the application thread, one
-// triggered thread that is never triggered and one never started, all with
-// work queued and deletions on their way, and three render contexts of
-// which one is gone again.
+// A chain of three free-running threads below the application thread, a triggered
+// thread never triggered and one never started, all with work queued and deletions
+// on their way, and three render contexts of which one is gone again.
 int shutdownWithPendingWork() {
   constexpr int objects = 2000, actionsPerThread = 20;
   auto *first = new RecordingContext(1), *third = new RecordingContext(3);
@@ -76,10 +75,9 @@ int shutdownWithPendingWork() {
   return allDone;
 }
 
-// Workers the application still holds when the process exits, running,
-// triggered or never started: the unload clean-up stops them and the exit
-// completes (a negative code asks the child for a normal exit). Held here,
-// the workers stay reachable for the leak checker.
+// Workers still held at exit, running, triggered or never started: the unload clean-up
+// stops them and the exit completes (a negative code asks for a normal exit). Held
+// here, they stay reachable for the leak checker.
 sxThread* heldAtExit[3];
 
 int exitWithWorkersRunning() {

@@ -45,9 +45,8 @@ TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   for (int i = 0; i < 4; ++i) EXPECT_EQ(work[i].lastThread.load(), p.threads[size_t(i)]);
 }
 
-// A synchronous action returns to its poster after the thread is done with
-// it: the poster frees it at once. Flushing from inside the thread itself
-// does not wait for itself, and dead threads block nothing.
+// A synchronous action returns once the thread is done with it: the poster frees it at
+// once. A thread flushing itself does not wait for itself; dead threads block nothing.
 TEST(sxThreadQueue, ProcessingSynchronousActionsAndFlushesNeverWaitInVain) {
   Pipeline p;
   sxThread* t = p.chain(2);
@@ -93,8 +92,7 @@ TEST(sxThreadQueue, ProcessingSynchronousActionsAndFlushesNeverWaitInVain) {
   idle->addActionToQueue(&direct);
   idle->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
   EXPECT_EQ(idle->processQueue(false), 2);
-  // Queued actions get the thread; what they post meanwhile waits for the
-  // next call.
+  // Queued actions get the thread; what they post waits for the next call.
   EXPECT_EQ(std::tuple(direct.lastObject.load(), later.count.load()), std::tuple(idle, 0));
   EXPECT_EQ(idle->processQueue(false), 1);
   EXPECT_EQ(idle->processQueue(false), 0);
@@ -117,8 +115,7 @@ TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
     inThreads(posters, [&](int k) {
       CountingAction* mine = &actions[size_t(k * perPoster)];
       for (int i = 0; i < perPoster; ++i) {
-        // Alternate the two threads so that the flush through the link
-        // is what brings the downstream items in.
+        // Alternate, so that the flush through the link brings the downstream items in.
         (i % 2 ? d : t)->addActionToQueue(&mine[i]);
         if ((i + 1) % flushEvery) continue;
         t->flushQueue();

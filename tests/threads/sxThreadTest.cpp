@@ -40,9 +40,8 @@ TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
   t->run();   // and nothing revives it
   // Kill returned after the thread ended.
   EXPECT_TRUE(staysAt(applied) && applied() == atKill && t->getState() == sxThread::DEAD);
-  // A triggered thread runs one iteration per run(), however early they
-  // come; suspension stops a free-running one before its next iteration,
-  // and killing a waiting or suspended thread ends it.
+  // A triggered thread runs one iteration per run(), however early they come;
+  // suspension stops a free-running one; killing a waiting or suspended one ends it.
   sxThread* triggered = p.add(sxThread::TRIGGERED);
   auto once = make();
   triggered->addAction(once.get());
@@ -82,9 +81,8 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   EXPECT_EQ(MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
   // Actions after the failing one are not applied.
   EXPECT_EQ(std::tuple(first->count.load(), after->count.load()), std::tuple(1, 0));
-  // The rest of the process carries on: another thread still runs, and
-  // ends when an action kills it; the call returns, and the thread ends at
-  // its next check.
+  // Another thread still runs, and ends when an action kills it: the call returns and
+  // the thread ends at its next check.
   sxThread* other = p.add();
   std::atomic<int> afterKill{0};
   auto killer = make<FunctionAction>([&](sxBase*, sxEvent*) {
@@ -100,9 +98,8 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
   EXPECT_LE(after->count.load(), 1);
 }
 
-// Action lists reference their actions; apply runs what is left, in order,
-// with the target and no event. The thread the application runs on is
-// neither suspended nor killed, and run() on it only counts a trigger.
+// Action lists reference their actions; apply runs them in order with the target and no
+// event. The application thread is never suspended or killed; run() only counts.
 TEST(sxThread, ActionListsAndTheApplicationThread) {
   Pipeline p;
   sxThread* t = p.add();

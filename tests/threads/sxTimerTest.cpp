@@ -7,8 +7,8 @@
 
 using namespace std::chrono_literals;
 
-// Only running intervals count: a second start or stop changes nothing,
-// restart begins again from zero, reset stops at zero.
+// Only running intervals count: a second start or stop changes nothing, restart begins
+// again from zero, reset stops at zero.
 TEST(sxTimer, AccumulatesRunningIntervalsOnly) {
   ASSERT_TRUE(sxTimer::usesCounter());
   sxTimer t;
