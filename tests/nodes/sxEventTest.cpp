@@ -21,23 +21,6 @@ struct RecordingNode : sxActionNode {
   int tick = 0;
 };
 
-TEST(sxEvent, FindOrCreateSharesEventsByName) {
-  EXPECT_TRUE(!sxEvent::findOrCreate(nullptr) && !sxEvent::findOrCreate(""));
-  sxEvent* a = sxEvent::findOrCreate("frame");
-  ASSERT_NE(a, nullptr);
-  EXPECT_EQ(sxEvent::findOrCreate("FRAME"), a);  // names ignore case
-  EXPECT_EQ(a->getRefCount(), 2);
-  // Threads asking for a new name at once all get the one event.
-  sxEvent* got[8] = {};
-  inThreads(8, [&](int i) { got[i] = sxEvent::findOrCreate("race"); });
-  for (sxEvent* e : got) EXPECT_EQ(e, got[0]);
-  EXPECT_EQ(got[0]->getRefCount(), 8);
-  for (sxEvent* e : got) e->unRef();
-  a->unRef();
-  a->unRef();
-  EXPECT_EQ(sxEvent::find("frame"), nullptr);
-}
-
 TEST(sxEvent, TriggerRunsActionsNodesAndChainedEventsInOrderAndRemovalFillsTheHole) {
   auto e = make<sxEvent>();
   sxRef<CountingAction> a[] = {make(), make(), make()};
@@ -136,7 +119,7 @@ TEST(sxEvent, EveryTriggerWakesAllWaiters) {
   EXPECT_FALSE(e->waitForTrigger(0));
 }
 
-TEST(sxEvent, ActionsOfOneEventNeverOverlap) {
+TEST(sxEvent, NamedEventsAreSharedAndActionsOfOneEventNeverOverlap) {
   auto e = make<sxEvent>();
   std::atomic<int> inside{0}, overlaps{0}, runs{0};
   e->addAction(new FunctionAction([&](sxBase*, sxEvent*) {
@@ -151,6 +134,21 @@ TEST(sxEvent, ActionsOfOneEventNeverOverlap) {
     }
   });
   EXPECT_EQ(std::pair(overlaps.load(), runs.load()), std::pair(0, 8000));
+  // Named events are shared.
+  EXPECT_TRUE(!sxEvent::findOrCreate(nullptr) && !sxEvent::findOrCreate(""));
+  sxEvent* a = sxEvent::findOrCreate("frame");
+  ASSERT_NE(a, nullptr);
+  EXPECT_EQ(sxEvent::findOrCreate("FRAME"), a);  // names ignore case
+  EXPECT_EQ(a->getRefCount(), 2);
+  // Threads asking for a new name at once all get the one event.
+  sxEvent* got[8] = {};
+  inThreads(8, [&](int i) { got[i] = sxEvent::findOrCreate("race"); });
+  for (sxEvent* g : got) EXPECT_EQ(g, got[0]);
+  EXPECT_EQ(got[0]->getRefCount(), 8);
+  for (sxEvent* g : got) g->unRef();
+  a->unRef();
+  a->unRef();
+  EXPECT_EQ(sxEvent::find("frame"), nullptr);
 }
 
 // A copy shares the actions; the file record keeps the name and enabled flag only.

@@ -6,7 +6,7 @@
 #include <cstring>
 #include <tuple>
 
-TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
+TEST(sxMemory, TotalFollowsAllocationsAndReleasesCompareOnlyTellsEquality) {
   std::size_t before = sxMemory::getSize();
   void* p = sxMemory::malloc(100);
   ASSERT_NE(p, nullptr);
@@ -39,9 +39,7 @@ TEST(sxMemory, TotalFollowsAllocationsAndReleases) {
     EXPECT_GT(sxMemory::getSize(), before);
   }
   EXPECT_EQ(sxMemory::getSize(), before);
-}
-
-TEST(sxMemory, CompareReportsOnlyEquality) {
+  // Comparison reports only equality.
   const char a[] = "abcdefghij";
   char b[sizeof a];
   std::memcpy(b, a, sizeof a);

@@ -24,8 +24,7 @@ TEST(sxDeferredDeletion, CountWalksFromMinusOneMinusNUpToZero) {
     sxThread::enableAppThreadDeletion(handBack);
     EXPECT_EQ(sxThread::isAppThreadDeletionEnabled(), handBack);
     Pipeline p;
-    sxThread* d1 = p.addBelow(app());
-    sxThread* d2 = p.addBelow(app());
+    sxThread *d1 = p.addBelow(app()), *d2 = p.addBelow(app());
     ASSERT_TRUE(d1 && d2);
     const int pending = sxBase::getNumPendingDeletions();
     std::atomic<int> destroyed{0};
@@ -51,8 +50,7 @@ TEST(sxDeferredDeletion, LinksChangingWhileRequestsAreUnderWay) {
   Pipeline p;
   sxThread* a = p.chain(2, app());
   ASSERT_TRUE(a);
-  sxThread* b = p.threads[1];
-  sxThread* c = p.add();
+  sxThread *b = p.threads[1], *c = p.add();
   const int pending = sxBase::getNumPendingDeletions();
   std::atomic<int> destroyed{0};
   (new Probe(&destroyed))->unRef();  // counted with two links
@@ -74,12 +72,10 @@ TEST(sxDeferredDeletion, DiamondsDeadThreadsAndStrayChainsStillFreeEveryObject) 
   // app feeds a and b, both feed d (d's upstream is a); dead hangs below a; x feeds y
   // apart. Five links: a release counts -6, but only app, a, b and d pass the object.
   Pipeline p;
-  sxThread* a = p.addBelow(app());
-  sxThread* b = p.addBelow(app());
+  sxThread *a = p.addBelow(app()), *b = p.addBelow(app());
   sxThread* d = p.addBelow(a);
   ASSERT_TRUE(a && b && d && p.link(b, d));
-  sxThread* dead = p.addBelow(a);
-  sxThread* x = p.chain(2);
+  sxThread *dead = p.addBelow(a), *x = p.chain(2);
   ASSERT_TRUE(dead && x);
   dead->kill();
   std::atomic<int> destroyed{0};

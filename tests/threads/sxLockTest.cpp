@@ -39,6 +39,15 @@ TEST(sxLock, RecursiveForItsOwnerTimedForOthersAndCopiedUnowned) {
   EXPECT_FALSE(freeForOthers(lock));
   lock.release();
   EXPECT_TRUE(freeForOthers(lock));
+  // The kernel locks exist from load time; the type lock is re-entrant.
+  for (const char* name :
+       {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
+    ASSERT_NE(sxLock::find(name), nullptr) << name;
+  sxLock* typeLock = sxLock::find("sxType Lock");
+  sxBase::getClassType()->lockInstanceList();
+  EXPECT_TRUE(sxType::findType("sxGroup") && typeLock->isHeldByCurrentThread());
+  sxBase::getClassType()->unlockInstanceList();
+  EXPECT_FALSE(typeLock->isHeldByCurrentThread());
 }
 
 TEST(sxLock, MutualExclusionUnderContention) {
@@ -83,15 +92,4 @@ TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   EXPECT_TRUE(freeForOthers(theirs));
 }
 
-// The kernel locks exist from load time; the type lock is re-entrant.
-TEST(sxLock, KernelLocksAreNamedAndTheTypeLockIsReentrant) {
-  for (const char* name :
-       {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
-    ASSERT_NE(sxLock::find(name), nullptr) << name;
-  sxLock* typeLock = sxLock::find("sxType Lock");
-  sxBase::getClassType()->lockInstanceList();
-  EXPECT_TRUE(sxType::findType("sxGroup") && typeLock->isHeldByCurrentThread());
-  sxBase::getClassType()->unlockInstanceList();
-  EXPECT_FALSE(typeLock->isHeldByCurrentThread());
-}
 }  // namespace

@@ -110,11 +110,8 @@ void expectChildExit(int (*scenario)(), int expected) {
   EXPECT_EQ(WEXITSTATUS(status), expected);
 }
 
-TEST(sxShutdown, CarriesOutPendingWorkClosesContextsAndReleasesTheKernel) {
+TEST(sxShutdown, CarriesOutPendingWorkReleasesTheKernelAndStopsWorkersAtExit) {
   expectChildExit(&shutdownWithPendingWork, allDone);
-}
-
-TEST(sxShutdown, WorkersStillRunningAtExitAreStopped) {
   expectChildExit(&exitWithWorkersRunning, 0);
 }
 }  // namespace

@@ -32,8 +32,7 @@ TEST(sxThreadLinks, LinksAreCountedRefusedAndFollowedUpstream) {
   sxThread *first = p.add(), *second = p.add();
   sxThread* fed = p.addBelow(first);
   ASSERT_TRUE(p.link(second, fed));
-  sxThread* sibling = p.addBelow(first);
-  sxThread* stranger = p.add();
+  sxThread *sibling = p.addBelow(first), *stranger = p.add();
   EXPECT_EQ(std::tuple(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
             std::tuple(first, 2));
   EXPECT_TRUE(fed->shareCommonAncestor(sibling) && sibling->shareCommonAncestor(fed));

@@ -100,7 +100,7 @@ TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
 
 // Action lists reference their actions; apply runs them in order with the target and no
 // event. The application thread is never suspended or killed; run() only counts.
-TEST(sxThread, ActionListsAndTheApplicationThread) {
+TEST(sxThread, ActionListsPrioritiesProcessorsAndTheApplicationThread) {
   Pipeline p;
   sxThread* t = p.add();
   auto a = make(), b = make(), c = make();
@@ -132,11 +132,8 @@ TEST(sxThread, ActionListsAndTheApplicationThread) {
   EXPECT_TRUE(app->apply(nullptr));
   EXPECT_EQ(a->count.load(), 1);
   EXPECT_TRUE(app->removeAction(a.get()));
-}
-
-TEST(sxThread, PriorityAndProcessorRequests) {
-  Pipeline p;
-  sxThread* t = p.add(sxThread::TRIGGERED);
+  // Priority and processor requests.
+  t = p.add(sxThread::TRIGGERED);
   for (int outOfRange : {32, -1}) EXPECT_FALSE(t->setPriority(outOfRange)) << outOfRange;
   // The idle band only lowers the priority, which needs no privilege.
   EXPECT_TRUE(t->setPriority(5) && t->setPriority(0));
