@@ -95,14 +95,11 @@ TEST(sxType, RecordsComeOnFirstUseAndGoWithTheLastInstanceOnceDeleted) {
 }
 
 TEST(sxType, FindWalksInstancesInGetOrder) {
-  const auto named = [](sxTestFindable* object, const char* name) {
-    object->setName(name);
-    return object;
-  };
-  sxTestFindable* upper = named(new sxTestFindable, "A");
-  sxTestFindable* lower = named(new sxTestFindable, "a");
-  sxTestFindable* child = named(new sxTestFindableChild, "a");
-  sxTestFindable* other = named(new sxTestFindable, "b");
+  sxTestFindable* made[] = {new sxTestFindable, new sxTestFindable, new sxTestFindableChild,
+                            new sxTestFindable};
+  const char* names[] = {"A", "a", "a", "b"};
+  for (int i = 0; i < 4; ++i) made[i]->setName(names[i]);
+  auto [upper, lower, child, other] = made;
   // Own instances in order, derived ones when asked for; a start must be a match.
   EXPECT_EQ(std::tuple(sxTestFindable::find("a"), sxTestFindable::find("a", upper),
                        sxTestFindable::find("a", lower), sxTestFindable::find("a", lower, true)),

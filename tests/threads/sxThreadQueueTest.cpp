@@ -31,8 +31,7 @@ struct RecordingFlush : sxFlushThread {
 
 TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   Pipeline p;
-  sxThread* top = p.add();
-  sxThread* right = p.addBelow(top);
+  sxThread *top = p.add(), *right = p.addBelow(top);
   ASSERT_TRUE(p.addBelow(top) && right && p.addBelow(right));
   p.runAll();
   SlowAction work[4];
