@@ -6,6 +6,8 @@
 #include <cstring>
 #include <fstream>
 #include <string>
+#include <tuple>
+#include <vector>
 
 #include "support/sxTestFiles.h"
 
@@ -15,81 +17,65 @@ class FilePaths : public testing::Test {
   void SetUp() override { sxDeleteFilePaths(); }
   void TearDown() override { sxDeleteFilePaths(); }
 };
+
+std::vector<std::string> filePaths() {
+  std::vector<std::string> paths;
+  for (int i = 0; i < sxGetNumFilePaths(); ++i) paths.push_back(sxGetFilePath(i));
+  return paths;
+}
+using Paths = std::vector<std::string>;
 }  // namespace
 
-TEST_F(FilePaths, EntriesEndInASeparatorAndAreUnique) {
-  sxAddFilePath("data");
-  EXPECT_EQ(sxGetNumFilePaths(), 1);
-  EXPECT_STREQ(sxGetFilePath(0), "data/");
-  sxAddFilePath("data/");
-  EXPECT_EQ(sxGetNumFilePaths(), 1);
-  sxAddFilePath("Data/");  // case-sensitive comparison
-  EXPECT_EQ(sxGetNumFilePaths(), 2);
-  sxAddFilePath("win\\");  // a backslash is a separator too
-  EXPECT_STREQ(sxGetFilePath(2), "win\\");
+// Entries end in a separator (a backslash is one too) and are kept once, compared by
+// case; lists split at semicolons and keep their order.
+TEST_F(FilePaths, EntriesEndInASeparatorAreUniqueAndNamesFollowTheLastOne) {
+  for (const char* path : {"data", "data/", "Data/", "win\\", ""}) sxAddFilePath(path);
   sxAddFilePath(nullptr);
-  sxAddFilePath("");
-  EXPECT_EQ(sxGetNumFilePaths(), 3);
+  EXPECT_EQ(filePaths(), (Paths{"data/", "Data/", "win\\"}));
   EXPECT_EQ(sxGetFilePath(3), nullptr);
   EXPECT_EQ(sxGetFilePath(-1), nullptr);
-}
-
-TEST_F(FilePaths, ListsSplitAtSemicolonsInOrder) {
+  sxDeleteFilePaths();
   sxAddFilePaths("a;b;");
-  ASSERT_EQ(sxGetNumFilePaths(), 2);
-  EXPECT_STREQ(sxGetFilePath(0), "a/");
-  EXPECT_STREQ(sxGetFilePath(1), "b/");
+  EXPECT_EQ(filePaths(), (Paths{"a/", "b/"}));
   sxAddFilePaths(";;c;a;d");
-  ASSERT_EQ(sxGetNumFilePaths(), 4);
-  EXPECT_STREQ(sxGetFilePath(2), "c/");
-  EXPECT_STREQ(sxGetFilePath(3), "d/");
   sxAddFilePaths(nullptr);
+  EXPECT_EQ(filePaths(), (Paths{"a/", "b/", "c/", "d/"}));
   sxDeleteFilePaths();
   EXPECT_EQ(sxGetNumFilePaths(), 0);
+  // A file name starts after the last separator.
+  const char* p = "a\\b/c.x";
+  EXPECT_EQ(sxGetFileName(p), p + 4);
+  for (const char* dir : {"dir/", "dir\\", ""}) EXPECT_EQ(sxGetFileName(dir), nullptr) << dir;
+  EXPECT_EQ(sxGetFileName(nullptr), nullptr);
+  const char* bare = "plain.sx";
+  EXPECT_EQ(sxGetFileName(bare), bare);
 }
 
 TEST_F(FilePaths, FindFileTriesTheNameThenEachEntry) {
   sxTempDir dir;
   std::string first = dir.file("one"), second = dir.file("two");
-  ASSERT_EQ(mkdir(first.c_str(), 0755), 0);
-  ASSERT_EQ(mkdir(second.c_str(), 0755), 0);
-  std::ofstream(second + "/scene.sx") << "x";
-  std::ofstream(first + "/both.sx") << "x";
-  std::ofstream(second + "/both.sx") << "x";
-
+  for (const std::string& d : {first, second}) ASSERT_EQ(mkdir(d.c_str(), 0755), 0);
+  for (const std::string& f : {second + "/scene.sx", first + "/both.sx", second + "/both.sx"})
+    std::ofstream(f) << "x";
   char out[512];
-  EXPECT_EQ(sxFindFile("scene.sx", sizeof out, out), 0);  // no search path yet
-  EXPECT_STREQ(out, "");
-  sxAddFilePath(first.c_str());
-  sxAddFilePath(second.c_str());
-  std::string expected = second + "/scene.sx";
-  EXPECT_EQ(sxFindFile("scene.sx", sizeof out, out), int(expected.size()) + 1);
-  EXPECT_EQ(out, expected);
-  EXPECT_EQ(sxFindFile("both.sx", sizeof out, out), int(first.size() + 9));  // first entry wins
-  EXPECT_EQ(std::string(out), first + "/both.sx");
+  const auto find = [&](const char* name) {
+    const int length = sxFindFile(name, sizeof out, out);
+    return std::tuple(length, std::string(out));
+  };
+  EXPECT_EQ(find("scene.sx"), std::tuple(0, ""));  // no search path yet
+  sxAddFilePaths((first + ";" + second).c_str());
+  const std::string expected = second + "/scene.sx";
+  const int length = int(expected.size()) + 1;
+  EXPECT_EQ(find("scene.sx"), std::tuple(length, expected));
+  EXPECT_EQ(find("both.sx"), std::tuple(int(first.size()) + 9, first + "/both.sx"));  // first wins
   // A name that opens as given is taken without the search path.
-  EXPECT_EQ(sxFindFile(expected.c_str(), sizeof out, out), int(expected.size()) + 1);
-  EXPECT_EQ(out, expected);
-  // Lengths only: no buffer.
-  EXPECT_EQ(sxFindFile("scene.sx", 0, nullptr), int(expected.size()) + 1);
+  EXPECT_EQ(find(expected.c_str()), std::tuple(length, expected));
+  EXPECT_EQ(sxFindFile("scene.sx", 0, nullptr), length);  // lengths only: no buffer
   // A short buffer gets a bounded copy, unterminated like strncpy.
   char small[8];
   std::memset(small, '#', sizeof small);
-  EXPECT_EQ(sxFindFile("scene.sx", 4, small), int(expected.size()) + 1);
-  EXPECT_EQ(std::string(small, 4), expected.substr(0, 4));
-  EXPECT_EQ(small[4], '#');
-  EXPECT_EQ(sxFindFile(nullptr, sizeof out, out), 0);
-  EXPECT_EQ(sxFindFile("missing.sx", sizeof out, out), 0);
-  EXPECT_STREQ(out, "");
-}
-
-TEST(sxGetFileName, PointsAfterTheLastSeparator) {
-  const char* p = "a\\b/c.x";
-  EXPECT_EQ(sxGetFileName(p), p + 4);
-  EXPECT_EQ(sxGetFileName("dir/"), nullptr);
-  EXPECT_EQ(sxGetFileName("dir\\"), nullptr);
-  EXPECT_EQ(sxGetFileName(""), nullptr);
-  EXPECT_EQ(sxGetFileName(nullptr), nullptr);
-  const char* bare = "plain.sx";
-  EXPECT_EQ(sxGetFileName(bare), bare);
+  EXPECT_EQ(sxFindFile("scene.sx", 4, small), length);
+  EXPECT_EQ(std::string(small, 5), expected.substr(0, 4) + "#");
+  for (const char* none : {static_cast<const char*>(nullptr), "missing.sx"})
+    EXPECT_EQ(find(none), std::tuple(0, ""));
 }

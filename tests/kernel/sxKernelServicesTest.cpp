@@ -8,9 +8,8 @@
 
 #include "support/sxThreadTestSupport.h"
 
-// The version word unpacks into the fields it was packed from, and the
-// signature names the same release. Fields are not masked: a field too
-// large spills into its neighbour.
+// The version word unpacks into its fields, and the signature names the same release.
+// Fields are not masked: a field too large spills into its neighbour.
 TEST(sxKernel, VersionWordAndSignatureAgree) {
   const unsigned v = sxGetVersion();
   EXPECT_EQ(sxMakeVersion(sxGetMajorVersion(v), sxGetMinorVersion(v), sxGetBuildVersion(v)), v);
@@ -22,7 +21,7 @@ TEST(sxKernel, VersionWordAndSignatureAgree) {
   EXPECT_EQ(sxMakeVersion(0, 0, 0x10000), sxMakeVersion(0, 1, 0));
 }
 
-TEST(sxKernel, NameComparison) {
+TEST(sxKernel, NameComparisonAndHash) {
   EXPECT_EQ(sxStrcmp(nullptr, nullptr, false), 0);
   EXPECT_EQ(sxStrcmp(nullptr, "x", false), -1);
   EXPECT_EQ(sxStrcmp("x", nullptr, true), -1);
@@ -31,11 +30,8 @@ TEST(sxKernel, NameComparison) {
   EXPECT_EQ(sxStrcmp("abc", "ABC", true), 0);
   EXPECT_EQ(sxStrcmp("b", "a", false), 1);
   EXPECT_EQ(sxStrcmp("\xe9", "a", false), 1);  // bytes compare unsigned
-}
-
-TEST(sxKernel, NameHashXorsBytesAndCountsCharacters) {
-  EXPECT_EQ(sxStrToInt(nullptr), 0u);
-  EXPECT_EQ(sxStrToInt(""), 0u);
+  // The hash xors the bytes in and counts the characters.
+  EXPECT_TRUE(sxStrToInt(nullptr) == 0 && sxStrToInt("") == 0);
   EXPECT_EQ(sxStrToInt("a"), 0x62u);
   // "ab": (0x61 ^ 0) + 1 = 0x62; then byte 1 ^= 0x62 -> 0x6262, + 1.
   EXPECT_EQ(sxStrToInt("ab"), 0x6263u);
@@ -49,8 +45,7 @@ TEST(sxKernel, MessagesGoToTheHandlerOrStandardOutput) {
   sxMessage("value %d of %s\n", 42, "x");
   EXPECT_EQ(captured, "value 42 of x\n");
   // Longer text is cut to the handler's buffer, never overrun.
-  std::string longText(5000, 'y');
-  sxMessage("%s", longText.c_str());
+  sxMessage("%s", std::string(5000, 'y').c_str());
   EXPECT_EQ(captured.size(), std::string("value 42 of x\n").size() + 2047);
   capture.reset();
   testing::internal::CaptureStdout();
@@ -62,8 +57,7 @@ TEST(sxKernel, MessagesGoToTheHandlerOrStandardOutput) {
 TEST(sxKernel, InitStoresTheHandleEveryTime) {
   int token1 = 0, token2 = 0;
   sxInit(&token1);
-  EXPECT_TRUE(sxIsInitialized());
-  EXPECT_EQ(sxGetWindowsAppHandle(), &token1);
+  EXPECT_TRUE(sxIsInitialized() && sxGetWindowsAppHandle() == &token1);
   sxInit(&token2);
   EXPECT_EQ(sxGetWindowsAppHandle(), &token2);
 }

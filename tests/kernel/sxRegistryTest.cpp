@@ -3,18 +3,18 @@
 
 #include <unistd.h>
 
+#include <bit>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <tuple>
 
 #include "support/sxTestFiles.h"
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 // Points the settings store at a private file for one test.
 class RegistryFile : public testing::Test {
  protected:
@@ -29,94 +29,69 @@ class RegistryFile : public testing::Test {
   sxtest::MessageCapture capture;
   std::string& messages = sxtest::MessageCapture::text();
 };
-
 }  // namespace
 
-TEST_F(RegistryFile, ValuesRoundTripByType) {
+TEST_F(RegistryFile, ValuesRoundTripAndMissingMalformedOrUnwritableOnesFail) {
+  int i = 7;
+  float f = 2.0f;
+  char s[256] = "untouched";
+  // No store at all: integer and string reads fail without a word.
+  EXPECT_FALSE(sxReadRegistry("Count", i) || sxReadRegistry("Title", s));
+  EXPECT_EQ(messages, "");
+  EXPECT_FALSE(sxReadRegistry("Ratio", f));
+  EXPECT_EQ(messages, "Cannot read key <Ratio> from the registry.\n");
+  EXPECT_EQ(std::tuple(i, std::string(s)), std::tuple(7, "untouched"));
+  // Values round-trip by type; the first write makes the store.
+  messages.clear();
   EXPECT_TRUE(sxWriteRegistry("Count", 42));
   EXPECT_TRUE(sxWriteRegistry("Ratio", 1.25f));
   EXPECT_TRUE(sxWriteRegistry("Title", "line one\nback\\slash"));
   EXPECT_TRUE(sxWriteRegistry("count", -3));  // names ignore case: replaces
-  int i = 0;
-  float f = 0;
-  char s[256];
-  EXPECT_TRUE(sxReadRegistry("COUNT", i));
-  EXPECT_EQ(i, -3);
-  EXPECT_TRUE(sxReadRegistry("Ratio", f));
-  EXPECT_EQ(f, 1.25f);
-  EXPECT_TRUE(sxReadRegistry("Title", s));
-  EXPECT_STREQ(s, "line one\nback\\slash");
+  EXPECT_TRUE(sxReadRegistry("COUNT", i) && sxReadRegistry("Ratio", f) &&
+              sxReadRegistry("Title", s));
+  EXPECT_EQ(std::tuple(i, f, std::string(s)), std::tuple(-3, 1.25f, "line one\nback\\slash"));
   // A float is stored as its raw bits in an integer value.
   EXPECT_TRUE(sxReadRegistry("Ratio", i));
-  float back;
-  std::memcpy(&back, &i, 4);
-  EXPECT_EQ(back, 1.25f);
+  EXPECT_EQ(std::bit_cast<float>(i), 1.25f);
   EXPECT_EQ(messages, "");
-}
-
-TEST_F(RegistryFile, MissingOrMalformedValuesFail) {
-  int i = 7;
-  float f = 2.0f;
-  char s[256] = "untouched";
-  // No store at all.
-  EXPECT_FALSE(sxReadRegistry("Count", i));
-  EXPECT_FALSE(sxReadRegistry("Title", s));
-  EXPECT_EQ(messages, "");  // integer and string reads are silent
-  EXPECT_FALSE(sxReadRegistry("Ratio", f));
-  EXPECT_EQ(messages, "Cannot read key <Ratio> from the registry.\n");
-  EXPECT_EQ(i, 7);
-  EXPECT_STREQ(s, "untouched");
-
   writeStore(
       "garbage line\n=dword:1\nBig=dword:4294967296\nNeg=dword:-1\nBad=dword:12x\n"
       "Esc=sz:bad\\q\nOk=dword:4294967295\nText=sz:\nWeird=blob:1\n");
-  EXPECT_FALSE(sxReadRegistry("Big", i));
-  EXPECT_FALSE(sxReadRegistry("Neg", i));
-  EXPECT_FALSE(sxReadRegistry("Bad", i));
-  EXPECT_FALSE(sxReadRegistry("Esc", s));
-  EXPECT_FALSE(sxReadRegistry("Weird", i));
-  EXPECT_FALSE(sxReadRegistry(nullptr, i));
-  EXPECT_FALSE(sxReadRegistry("", i));
-  EXPECT_TRUE(sxReadRegistry("Ok", i));
-  EXPECT_EQ(i, -1);
-  EXPECT_TRUE(sxReadRegistry("Text", s));
-  EXPECT_STREQ(s, "");
+  for (const char* name : {"Big", "Neg", "Bad", "Weird", ""})
+    EXPECT_FALSE(sxReadRegistry(name, i)) << name;
+  EXPECT_FALSE(sxReadRegistry(nullptr, i) || sxReadRegistry("Esc", s));
+  EXPECT_TRUE(sxReadRegistry("Ok", i) && sxReadRegistry("Text", s));
+  EXPECT_EQ(std::tuple(i, std::string(s)), std::tuple(-1, ""));
   // A string too long for the 256-byte buffer is refused, not overrun.
-  std::string longValue(300, 'z');
-  EXPECT_TRUE(sxWriteRegistry("Long", longValue.c_str()));
+  EXPECT_TRUE(sxWriteRegistry("Long", std::string(300, 'z').c_str()));
   EXPECT_FALSE(sxReadRegistry("Long", s));
   // The other lines survive a rewrite.
   EXPECT_TRUE(sxReadRegistry("Ok", i));
-}
-
-TEST_F(RegistryFile, UnwritableStoreReportsAndLeavesNothingBehind) {
+  // A store that cannot be written reports each write.
+  messages.clear();
   setenv("SX_REGISTRY_FILE", "/proc/sxCoreNoSuchDir/registry", 1);
   EXPECT_FALSE(sxWriteRegistry("Count", 1));
-  EXPECT_EQ(messages, "Cannot write key <Count> to the registry.\n");
-  messages.clear();
   EXPECT_FALSE(sxWriteRegistry("Title", static_cast<const char*>(nullptr)));
-  EXPECT_EQ(messages, "Cannot write key <Title> to the registry.\n");
-  messages.clear();
   EXPECT_FALSE(sxWriteRegistry("bad=name", 1));
-  EXPECT_EQ(messages, "Cannot write key <bad=name> to the registry.\n");
+  EXPECT_EQ(messages,
+            "Cannot write key <Count> to the registry.\nCannot write key <Title> to the registry.\n"
+            "Cannot write key <bad=name> to the registry.\n");
 }
 
 TEST_F(RegistryFile, TextureUnitsAreReadAtLoadTime) {
-  std::string tool = std::string(SXCORE_BINARY_DIR) + "/tools/sxtool";
+  const std::string tool = std::string(SXCORE_BINARY_DIR) + "/tools/sxtool";
   if (access(tool.c_str(), X_OK) != 0) GTEST_SKIP() << "sxtool not built";
+  const auto expectInfo = [&](const char* line) {
+    FILE* p = popen((tool + " info").c_str(), "r");
+    ASSERT_NE(p, nullptr);
+    std::string out;
+    char buf[512];
+    while (std::fgets(buf, sizeof buf, p)) out += buf;
+    EXPECT_EQ(pclose(p), 0);
+    EXPECT_NE(out.find(line), std::string::npos) << out;
+  };
   writeStore("NumTextureUnits=dword:4\n");
-  std::string cmd = tool + " info";
-  FILE* p = popen(cmd.c_str(), "r");
-  ASSERT_NE(p, nullptr);
-  std::string out;
-  char buf[512];
-  while (std::fgets(buf, sizeof buf, p)) out += buf;
-  EXPECT_EQ(pclose(p), 0);
-  EXPECT_NE(out.find("NumTextureUnits: 4"), std::string::npos) << out;
+  expectInfo("NumTextureUnits: 4");
   writeStore("NumTextureUnits=sz:four\n");  // unreadable: the default
-  p = popen(cmd.c_str(), "r");
-  out.clear();
-  while (std::fgets(buf, sizeof buf, p)) out += buf;
-  pclose(p);
-  EXPECT_NE(out.find("NumTextureUnits: 1"), std::string::npos) << out;
+  expectInfo("NumTextureUnits: 1");
 }

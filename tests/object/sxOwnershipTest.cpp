@@ -4,13 +4,12 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
-#include <atomic>
 #include <string>
-#include <thread>
-#include <vector>
+#include <tuple>
 
 #include "support/sxTestClasses.h"
 #include "support/sxTestFiles.h"
+#include "support/sxThreadTestSupport.h"
 
 TEST(sxOwnership, ObjectsReadFromAFileOutliveItsClose) {
   sxTempDir dir;
@@ -20,16 +19,14 @@ TEST(sxOwnership, ObjectsReadFromAFileOutliveItsClose) {
     child->setName("child");
     root->addAttribute(child.get());
     sxFile file;
-    ASSERT_TRUE(file.create(path.c_str()));
-    root->write(&file, nullptr);
-    ASSERT_TRUE(file.write());
+    ASSERT_TRUE(file.create(path.c_str()) && root->write(&file, nullptr) && file.write());
   }
   sxBase* child = nullptr;
   {
     sxFile file;
     ASSERT_TRUE(file.open(path.c_str(), "r"));
     sxEntry* rootEntry = file.getEntry(0);
-    ASSERT_TRUE(file.readEntry(rootEntry));
+    ASSERT_TRUE(rootEntry && file.readEntry(rootEntry));
     rootEntry->readInt();    // no name
     rootEntry->readShort();  // flags
     ASSERT_EQ(rootEntry->readInt(), 1);
@@ -55,8 +52,7 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
     sxRef<sxBase> asBase = outer;  // derived to base
     EXPECT_EQ(outer->getRefCount(), 2);
     sxRef<sxBase> moved = std::move(asBase);
-    EXPECT_EQ(asBase, nullptr);
-    EXPECT_EQ(outer->getRefCount(), 2);
+    EXPECT_TRUE(asBase == nullptr && outer->getRefCount() == 2);
     moved = moved;  // self-assignment keeps the object
     EXPECT_EQ(outer->getRefCount(), 2);
     moved.reset();
@@ -65,12 +61,12 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
     sxRef<sxBase> swap(outer.get());
     outer.reset();
     swap = inner;
-    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
-    EXPECT_EQ(inner->getRefCount(), 1);
+    EXPECT_EQ(std::tuple(sxTestNode::destroyed, inner->getRefCount()),
+              std::tuple(destroyed + 1, 1));
     // Handing a new object on: the reference goes, the object stays.
     sxBase* handed = swap.release();
-    EXPECT_EQ(handed->getRefCount(), 0);
-    EXPECT_EQ(sxTestNode::destroyed, destroyed + 1);
+    EXPECT_EQ(std::tuple(handed->getRefCount(), sxTestNode::destroyed),
+              std::tuple(0, destroyed + 1));
     swap = handed;
   }
   EXPECT_EQ(sxTestNode::destroyed, destroyed + 2);
@@ -78,16 +74,12 @@ TEST(sxOwnership, RefHandlesCopiesMovesAndReassignment) {
 
 TEST(sxOwnership, ReleaseWithoutDeleteIsOneAtomicStep) {
   sxRef<sxTestNode> owner(new sxTestNode);
-  constexpr int threads = 4, rounds = 20000;
-  std::vector<std::thread> workers;
-  for (int t = 0; t < threads; ++t)
-    workers.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        owner->ref();
-        owner->unRefNoDelete();
-      }
-    });
-  for (std::thread& w : workers) w.join();
+  sxtest::inThreads(4, [&](int) {
+    for (int i = 0; i < 20000; ++i) {
+      owner->ref();
+      owner->unRefNoDelete();
+    }
+  });
   EXPECT_EQ(owner->getRefCount(), 1);
   sxTestNode* raw = owner.release();
   EXPECT_EQ(raw->getRefCount(), 0) << "at 0 and alive";
@@ -98,15 +90,14 @@ TEST(sxOwnership, AMillionLinkChainIsDestroyedWithoutDeepRecursion) {
   constexpr int length = 1000000;
   const int destroyed = sxTestNode::destroyed;
   const int before = sxBase::getNum(false);
-  sxTestNode* head = new sxTestNode;
-  head->ref();
-  sxTestNode* link = head;
+  sxRef<sxTestNode> head(new sxTestNode);
+  sxTestNode* link = head.get();
   for (int i = 1; i < length; ++i) {
     sxTestNode* next = new sxTestNode;
     link->addAttribute(next);
     link = next;
   }
-  head->unRef();
-  EXPECT_EQ(sxTestNode::destroyed, destroyed + length);
-  EXPECT_EQ(sxBase::getNum(false), before);
+  head.reset();
+  EXPECT_EQ(std::tuple(sxTestNode::destroyed, sxBase::getNum(false)),
+            std::tuple(destroyed + length, before));
 }

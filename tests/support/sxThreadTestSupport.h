@@ -1,8 +1,8 @@
 #pragma once
 
-// Helpers shared by the thread tests: counting actions, objects that count
-// their destruction, a pipeline of worker threads that cleans up after
-// itself, and bounded waiting (a hang fails the test instead of the run).
+// Helpers of the thread tests: counting actions, objects counting their destruction,
+// worker threads that clean up after themselves, and bounded waits (a hang fails the
+// test instead of the run).
 
 #include <sx/sxCore.h>
 
@@ -18,17 +18,20 @@
 
 namespace sxtest {
 
+// Numbers the applications of counting actions in the order they happen.
+inline std::atomic<int> ticks{0};
+
 // Counts its applications and remembers what it was last given.
-class CountingAction : public sxAction {
- public:
+struct CountingAction : sxAction {
   bool apply(sxBase* object, sxEvent* event) override {
     lastObject.store(object);
     lastEvent.store(event);
     lastThread.store(sxThread::getCurrentThread());
+    tick.store(++ticks);
     count.fetch_add(1);
     return result.load();
   }
-  std::atomic<int> count{0};
+  std::atomic<int> count{0}, tick{0};
   std::atomic<sxBase*> lastObject{nullptr};
   std::atomic<sxEvent*> lastEvent{nullptr};
   std::atomic<sxThread*> lastThread{nullptr};
@@ -36,60 +39,41 @@ class CountingAction : public sxAction {
 };
 
 // Sleeps, then counts: keeps a thread busy, so that a flush has to wait.
-class SlowAction : public CountingAction {
- public:
+struct SlowAction : CountingAction {
   bool apply(sxBase* object, sxEvent* event) override {
     std::this_thread::sleep_for(std::chrono::milliseconds(5));
     return CountingAction::apply(object, event);
   }
 };
 
-// Runs a function as its apply.
-class FunctionAction : public sxAction {
- public:
-  explicit FunctionAction(std::function<bool(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
-  bool apply(sxBase* object, sxEvent* event) override { return fn(object, event); }
-
- private:
-  std::function<bool(sxBase*, sxEvent*)> fn;
+// Runs a function as its apply, which then succeeds.
+struct FunctionAction : sxAction {
+  explicit FunctionAction(std::function<void(sxBase*, sxEvent*)> f) : fn(std::move(f)) {}
+  bool apply(sxBase* object, sxEvent* event) override {
+    fn(object, event);
+    return true;
+  }
+  std::function<void(sxBase*, sxEvent*)> fn;
 };
 
 // Counts its destruction in a slot of its own.
-class Probe : public sxBase {
- public:
+struct Probe : sxBase {
   explicit Probe(std::atomic<int>* destroyed) : slot(destroyed) {}
   ~Probe() override { slot->fetch_add(1); }
-
- private:
   std::atomic<int>* slot;
 };
 
-// A new Probe, referenced and released once.
-inline Probe* releasedProbe(std::atomic<int>* destroyed) {
-  auto* p = new Probe(destroyed);
-  p->ref();
-  p->unRef();
-  return p;
-}
-
-// True when the class can be created by name (in any letter case) and the
-// result is of exactly that class.
-inline bool createsByName(const char* name, const sxType* type) {
-  sxBase* made = sxType::createInstance(name);
-  if (!made) return false;
-  const bool exact = made->isOfExactType(type);
-  made->ref();
-  made->unRef();
-  return exact;
+// A new object with one reference, which the handle gives back.
+template <class T = CountingAction, class... Args>
+sxRef<T> make(Args&&... args) {
+  return sxRef<T>(new T(std::forward<Args>(args)...));
 }
 
 // Polls pred for at most timeoutMs; true once it holds.
 inline bool waitUntil(const std::function<bool()>& pred, int timeoutMs = 20000) {
-  auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
-  while (!pred()) {
+  const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(timeoutMs);
+  for (; !pred(); std::this_thread::sleep_for(std::chrono::milliseconds(1)))
     if (std::chrono::steady_clock::now() > end) return false;
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
   return true;
 }
 
@@ -100,9 +84,15 @@ inline bool staysAt(const std::function<int()>& value, int pauseMs = 50) {
   return value() == before;
 }
 
-// Runs body on a helper thread; a body that has not returned after
-// seconds ends the process with a message, so that a deadlock fails the
-// test instead of stalling the run.
+// Runs body(0) to body(n - 1) on n threads at once and joins them.
+inline void inThreads(int n, const std::function<void(int)>& body) {
+  std::vector<std::thread> threads;
+  for (int i = 0; i < n; ++i) threads.emplace_back(body, i);
+  for (std::thread& t : threads) t.join();
+}
+
+// Runs body on a helper thread; a body still running after seconds ends the process
+// with a message, so that a deadlock fails the test instead of stalling the run.
 inline void withDeadline(const char* what, const std::function<void()>& body, int seconds = 60) {
   std::atomic<bool> done{false};
   std::thread runner([&] {
@@ -117,11 +107,9 @@ inline void withDeadline(const char* what, const std::function<void()>& body, in
   runner.join();
 }
 
-// Worker threads created for one test, with the links they were given.
-// The destructor kills them, removes the links, releases them and carries
-// out what that left on the application thread's queue.
-class Pipeline {
- public:
+// Worker threads of one test and their links. The destructor kills them, removes the
+// links, releases them and carries out what that left on the application queue.
+struct Pipeline {
   sxThread* add(sxThread::MODE mode = sxThread::FREE_RUNNING, const char* name = nullptr) {
     sxThread* t = new sxThread;
     t->ref();
@@ -140,8 +128,8 @@ class Pipeline {
     sxThread* t = add(mode);
     return link(up, t) ? t : nullptr;
   }
-  // n new threads, each linked below the one before and the first below
-  // above (if given); the first of them, or null when a link failed.
+  // n new threads, each below the one before, the first below above (if given); the
+  // first of them, or null when a link failed.
   sxThread* chain(int n, sxThread* above = nullptr) {
     sxThread* first = nullptr;
     for (int i = 0; i < n; ++i) {
@@ -166,20 +154,15 @@ class Pipeline {
 };
 
 // Captures the library's messages while alive.
-class MessageCapture {
- public:
+struct MessageCapture {
   MessageCapture() {
     text().clear();
     sxMessageHandler(&MessageCapture::handler);
   }
   ~MessageCapture() { sxMessageHandler(nullptr); }
-  static std::string& text() {
-    static std::string captured;
-    return captured;
-  }
-
- private:
-  static void handler(char* message) { text() += message; }
+  static std::string& text() { return captured; }
+  static void handler(char* message) { captured += message; }
+  static inline std::string captured;
 };
 
 }  // namespace sxtest

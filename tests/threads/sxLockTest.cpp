@@ -2,51 +2,29 @@
 
 #include <atomic>
 #include <thread>
-#include <vector>
 
 #include "support/sxThreadTestSupport.h"
 
 namespace {
+using namespace sxtest;
 
-// Holds a lock on a thread of its own until release().
-class Holder {
- public:
-  explicit Holder(sxLock& lock)
-      : thread([this, &lock] {
-          lock.acquire();
-          held.store(true);
-          sxtest::waitUntil([this] { return done.load(); });
-          lock.release();
-        }) {
-    sxtest::waitUntil([this] { return held.load(); });
-  }
-  ~Holder() { release(); }
-  void release() {
-    done.store(true);
-    if (thread.joinable()) thread.join();
-  }
-
- private:
-  std::atomic<bool> held{false}, done{false};
-  std::thread thread;
-};
-
-// True when another thread can take the lock within timeoutMs (and gives
-// it back at once).
+// True when another thread can take the lock within timeoutMs (and gives it back).
 bool freeForOthers(sxLock& lock, int timeoutMs = 0) {
   bool taken = false;
-  std::thread other([&] {
+  std::thread([&] {
     taken = lock.acquire(timeoutMs);
     if (taken) lock.release();
-  });
-  other.join();
+  }).join();
   return taken;
 }
 
-TEST(sxLock, RecursiveForItsOwnerAndTimedForOthers) {
+// A copy is a new lock with the source's timeout that nobody holds.
+TEST(sxLock, RecursiveForItsOwnerTimedForOthersAndCopiedUnowned) {
   sxLock lock;
-  EXPECT_TRUE(lock.acquire());
-  EXPECT_TRUE(lock.acquire(0));  // recursion never waits
+  lock.setTimeout(250);
+  EXPECT_TRUE(lock.acquire() && lock.acquire(0));  // recursion never waits
+  sxLock copy(lock);
+  EXPECT_TRUE(copy.getTimeout() == 250 && freeForOthers(copy));
   auto start = std::chrono::steady_clock::now();
   EXPECT_FALSE(freeForOthers(lock, 30));
   EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(25));
@@ -54,84 +32,64 @@ TEST(sxLock, RecursiveForItsOwnerAndTimedForOthers) {
   EXPECT_TRUE(lock.isHeldByCurrentThread()) << "one level left";
   EXPECT_FALSE(freeForOthers(lock));
   lock.release();
-  EXPECT_FALSE(lock.isHeldByCurrentThread());
-  EXPECT_TRUE(freeForOthers(lock));
+  EXPECT_TRUE(!lock.isHeldByCurrentThread() && freeForOthers(lock));
   lock.release();  // not held: ignored
   // A successful test takes the lock; one release frees it.
   ASSERT_TRUE(lock.available());
   EXPECT_FALSE(freeForOthers(lock));
   lock.release();
   EXPECT_TRUE(freeForOthers(lock));
+  // The kernel locks exist from load time; the type lock is re-entrant.
+  for (const char* name :
+       {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
+    ASSERT_NE(sxLock::find(name), nullptr) << name;
+  sxLock* typeLock = sxLock::find("sxType Lock");
+  sxBase::getClassType()->lockInstanceList();
+  EXPECT_TRUE(sxType::findType("sxGroup") && typeLock->isHeldByCurrentThread());
+  sxBase::getClassType()->unlockInstanceList();
+  EXPECT_FALSE(typeLock->isHeldByCurrentThread());
 }
 
 TEST(sxLock, MutualExclusionUnderContention) {
   sxLock lock;
   long long counter = 0;  // plain: only the lock protects it
   constexpr int threads = 4, rounds = 20000;
-  std::vector<std::thread> workers;
-  for (int t = 0; t < threads; ++t)
-    workers.emplace_back([&] {
-      for (int i = 0; i < rounds; ++i) {
-        lock.acquire();
-        lock.acquire();  // nested, as kernel code does
-        ++counter;
-        lock.release();
-        lock.release();
-      }
-    });
-  for (auto& w : workers) w.join();
+  inThreads(threads, [&](int) {
+    for (int i = 0; i < rounds; ++i) {
+      lock.acquire();
+      lock.acquire();  // nested, as kernel code does
+      ++counter;
+      lock.release();
+      lock.release();
+    }
+  });
   EXPECT_EQ(counter, static_cast<long long>(threads) * rounds);
-}
-
-TEST(sxLock, CopyIsANewUnownedLock) {
-  sxLock source;
-  source.setName("source");
-  source.setTimeout(250);
-  source.acquire();
-  sxLock copy(source);
-  EXPECT_EQ(copy.getTimeout(), 250);
-  EXPECT_TRUE(freeForOthers(copy));
-  source.release();
-  EXPECT_TRUE(sxtest::createsByName("sxlock", sxLock::getClassType()));
 }
 
 TEST(sxLock, EnableAllOffReleasesEveryLockOnceAndStopsWaiting) {
   sxLock mine, theirs;
   mine.acquire();
-  Holder holder(theirs);
-
+  std::atomic<bool> held{false}, done{false};
+  std::thread holder([&] {
+    theirs.acquire();
+    held.store(true);
+    waitUntil([&] { return done.load(); });
+    theirs.release();
+  });
+  EXPECT_TRUE(waitUntil([&] { return held.load(); }));
   sxLock::enableAll(false);
   EXPECT_FALSE(sxLock::isEnabled());
-  // Nothing waits while locks are off, not even for a lock another thread
-  // holds, and available() answers true without taking anything.
-  EXPECT_TRUE(theirs.acquire());
-  EXPECT_TRUE(theirs.acquire(0));
-  EXPECT_TRUE(theirs.available());
+  // Nothing waits while locks are off, not even for another thread's lock, and
+  // available() answers true without taking anything.
+  EXPECT_TRUE(theirs.acquire() && theirs.acquire(0) && theirs.available());
   theirs.release();
   sxLock::enableAll(true);
-
-  // The lock this thread held was released once on the way off; the one
-  // the other thread held is still its own.
-  EXPECT_FALSE(mine.isHeldByCurrentThread());
-  EXPECT_TRUE(freeForOthers(mine));
+  // This thread's lock was released once on the way off; the other thread keeps its.
+  EXPECT_TRUE(!mine.isHeldByCurrentThread() && freeForOthers(mine));
   EXPECT_FALSE(theirs.acquire(0));
-  holder.release();
+  done.store(true);
+  holder.join();
   EXPECT_TRUE(freeForOthers(theirs));
-}
-
-// The five kernel locks exist from load time under their names; the type
-// lock is re-entrant: a lookup while holding it does not block.
-TEST(sxLock, KernelLocksAreNamedAndTheTypeLockIsReentrant) {
-  for (const char* name :
-       {"sxMemory Lock", "sxBase Lock", "sxType Lock", "sxPlugIn Lock", "sxGroup Lock"})
-    EXPECT_NE(sxLock::find(name), nullptr) << name;
-  sxLock* typeLock = sxLock::find("sxType Lock");
-  ASSERT_NE(typeLock, nullptr);
-  sxBase::getClassType()->lockInstanceList();
-  EXPECT_NE(sxType::findType("sxGroup"), nullptr);
-  EXPECT_TRUE(typeLock->isHeldByCurrentThread());
-  sxBase::getClassType()->unlockInstanceList();
-  EXPECT_FALSE(typeLock->isHeldByCurrentThread());
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <vector>
@@ -12,7 +13,6 @@
 // sxShutdown ends the kernel for the whole process, so each scenario runs
 // in a forked child and answers with its exit code.
 namespace {
-
 using namespace sxtest;
 
 // What the child found; 0 when all was well.
@@ -20,8 +20,7 @@ enum Outcome { allDone, setUpFailed = 10, notDestroyedOnce, actionsLeft, kernelK
 
 std::vector<int> closeOrder;
 
-class RecordingContext : public sxRenderContext {
- public:
+struct RecordingContext : sxRenderContext {
   explicit RecordingContext(int id) : id(id) { ref(); }
   void close() override {
     closeOrder.push_back(id);
@@ -37,15 +36,13 @@ sxThread* newWorker(sxThread::MODE mode) {
   return t;
 }
 
-// A chain of three free-running threads below the application thread, one
-// triggered thread that is never triggered and one never started, all with
-// work queued and deletions on their way, and three render contexts of
-// which one is gone again.
+// A chain of three free-running threads below the application thread, a triggered
+// thread never triggered and one never started, all with work queued and deletions
+// on their way, and three render contexts of which one is gone again.
 int shutdownWithPendingWork() {
   constexpr int objects = 2000, actionsPerThread = 20;
-  auto* first = new RecordingContext(1);
+  auto *first = new RecordingContext(1), *third = new RecordingContext(3);
   (new RecordingContext(2))->unRef();  // destroyed contexts leave the list
-  auto* third = new RecordingContext(3);
   if (sxGetRenderContexts().getNum() != 2) return setUpFailed;
   sxThread* app = sxGetAppThread();
   sxThread* t[5];
@@ -63,14 +60,12 @@ int shutdownWithPendingWork() {
   for (int i = 0; i < actionsPerThread; ++i)
     for (int k = 0; k < 5; ++k) t[k]->addActionToQueue(&work[size_t(k)]);
   const int locks = sxLock::getNum(false), threads = sxThread::getNum(false);
-
   sxInit(nullptr);
   sxShutdown();
-
-  for (auto& d : destroyed)
-    if (d.load() != 1) return notDestroyedOnce;
-  for (auto& w : work)
-    if (w.count.load() != actionsPerThread) return actionsLeft;
+  if (std::ranges::any_of(destroyed, [](auto& d) { return d.load() != 1; }))
+    return notDestroyedOnce;
+  if (std::ranges::any_of(work, [](auto& w) { return w.count.load() != actionsPerThread; }))
+    return actionsLeft;
   // The application thread, the five kernel locks and its queue's lock go.
   if (sxGetAppThread() || sxBase::getNumPendingDeletions() != pending ||
       sxThread::getNum(false) != threads - 1 || sxLock::getNum(false) != locks - 6)
@@ -80,10 +75,9 @@ int shutdownWithPendingWork() {
   return allDone;
 }
 
-// Workers the application still holds when the process exits, running,
-// triggered or never started: the unload clean-up stops them and the exit
-// completes (a negative code asks the child for a normal exit). Held here,
-// the workers stay reachable for the leak checker.
+// Workers still held at exit, running, triggered or never started: the unload clean-up
+// stops them and the exit completes (a negative code asks for a normal exit). Held
+// here, they stay reachable for the leak checker.
 sxThread* heldAtExit[3];
 
 int exitWithWorkersRunning() {
@@ -116,12 +110,8 @@ void expectChildExit(int (*scenario)(), int expected) {
   EXPECT_EQ(WEXITSTATUS(status), expected);
 }
 
-TEST(sxShutdown, CarriesOutPendingWorkClosesContextsAndReleasesTheKernel) {
+TEST(sxShutdown, CarriesOutPendingWorkReleasesTheKernelAndStopsWorkersAtExit) {
   expectChildExit(&shutdownWithPendingWork, allDone);
-}
-
-TEST(sxShutdown, WorkersStillRunningAtExitAreStopped) {
   expectChildExit(&exitWithWorkersRunning, 0);
 }
-
 }  // namespace

@@ -1,72 +1,50 @@
 #include <gtest/gtest.h>
 
+#include <tuple>
+#include <utility>
+
 #include "support/sxThreadTestSupport.h"
 
-namespace {
-
 using namespace sxtest;
+using Link = std::pair<sxThread*, sxThread*>;
 
-TEST(sxThreadLinks, LinksAreCountedAndRefusedWhereTheyMustBe) {
+TEST(sxThreadLinks, LinksAreCountedRefusedAndFollowedUpstream) {
   const int links = sxThread::getTotalNumDownstreamThreads();
   Pipeline p;
-  sxThread* a = p.add();
-  sxThread* b = p.add();
-  sxThread* c = p.add();
-  sxThread* dead = p.add();
+  sxThread* a = p.chain(3);
+  ASSERT_TRUE(a);
+  sxThread *b = p.threads[1], *c = p.threads[2], *dead = p.add();
   dead->kill();
-
-  EXPECT_FALSE(a->addDownstreamThread(nullptr));
-  EXPECT_FALSE(a->addDownstreamThread(a));  // downstream of itself
-  EXPECT_FALSE(a->addDownstreamThread(dead));
-  EXPECT_FALSE(dead->addDownstreamThread(a));
-  ASSERT_TRUE(p.link(a, b));
-  ASSERT_TRUE(p.link(b, c));
-  EXPECT_FALSE(a->addDownstreamThread(b));  // already linked
-  EXPECT_FALSE(c->addDownstreamThread(a));  // would close a cycle
-  EXPECT_FALSE(b->addDownstreamThread(a));
+  // None, itself, a dead thread either way, a link already made, a cycle.
+  for (auto [up, down] : {Link{a, nullptr}, {a, a}, {a, dead}, {dead, a}, {a, b}, {c, a}, {b, a}})
+    EXPECT_FALSE(up->addDownstreamThread(down));
+  EXPECT_EQ(
+      std::tuple(sxThread::getTotalNumDownstreamThreads(), a->getNumDownstreamThreads(),
+                 a->getDownstreamThread(0), a->getDownstreamThread(1), a->getDownstreamThread(-1)),
+      std::tuple(links + 2, 1, b, nullptr, nullptr));
+  EXPECT_TRUE(c->hasAncestor(a) && c->hasAncestor(b));
+  for (auto [t, ancestor] : {Link{a, c}, {a, a}, {c, nullptr}})
+    EXPECT_FALSE(t->hasAncestor(ancestor));
+  // Not a direct link, not a thread.
+  EXPECT_FALSE(a->removeDownstreamThread(c) || a->removeDownstreamThread(nullptr));
   EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
-  EXPECT_EQ(a->getNumDownstreamThreads(), 1);
-  EXPECT_EQ(a->getDownstreamThread(0), b);
-  EXPECT_EQ(a->getDownstreamThread(1), nullptr);
-  EXPECT_EQ(a->getDownstreamThread(-1), nullptr);
-
-  EXPECT_TRUE(c->hasAncestor(a));
-  EXPECT_TRUE(c->hasAncestor(b));
-  EXPECT_FALSE(a->hasAncestor(c));
-  EXPECT_FALSE(a->hasAncestor(a));
-  EXPECT_FALSE(c->hasAncestor(nullptr));
-
-  EXPECT_FALSE(a->removeDownstreamThread(c));  // not a direct link
-  EXPECT_FALSE(a->removeDownstreamThread(nullptr));
-  EXPECT_EQ(sxThread::getTotalNumDownstreamThreads(), links + 2);
-}
-
-TEST(sxThreadLinks, UpstreamIsTheFirstFeederAndMovesOnWhenItLeaves) {
-  Pipeline p;
-  sxThread* first = p.add();
-  sxThread* second = p.add();
+  // The upstream thread is the first feeder and moves on when it leaves.
+  sxThread *first = p.add(), *second = p.add();
   sxThread* fed = p.addBelow(first);
   ASSERT_TRUE(p.link(second, fed));
-  sxThread* sibling = p.addBelow(first);
-  sxThread* stranger = p.add();
-  EXPECT_EQ(fed->getUpstreamThread(), first);
-  EXPECT_EQ(fed->getNumUpstreamThreads(), 2);
-
-  EXPECT_TRUE(fed->shareCommonAncestor(sibling));  // both fed by first
-  EXPECT_TRUE(sibling->shareCommonAncestor(fed));
-  EXPECT_FALSE(fed->shareCommonAncestor(stranger));
-  EXPECT_FALSE(first->shareCommonAncestor(second));  // neither is fed
-  EXPECT_FALSE(fed->shareCommonAncestor(nullptr));
-
+  sxThread *sibling = p.addBelow(first), *stranger = p.add();
+  EXPECT_EQ(std::tuple(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
+            std::tuple(first, 2));
+  EXPECT_TRUE(fed->shareCommonAncestor(sibling) && sibling->shareCommonAncestor(fed));
+  // Not with an unlinked thread, nor where neither is fed, nor with none.
+  for (auto [x, y] : {Link{fed, stranger}, {first, second}, {fed, nullptr}})
+    EXPECT_FALSE(x->shareCommonAncestor(y));
   EXPECT_TRUE(first->removeDownstreamThread(fed));
   EXPECT_EQ(fed->getUpstreamThread(), second);
   EXPECT_FALSE(fed->shareCommonAncestor(sibling));
   EXPECT_TRUE(second->removeDownstreamThread(fed));
-  EXPECT_EQ(fed->getUpstreamThread(), nullptr);
-  EXPECT_EQ(fed->getNumUpstreamThreads(), 0);
+  EXPECT_EQ(std::tuple(fed->getUpstreamThread(), fed->getNumUpstreamThreads()),
+            std::tuple(nullptr, 0));
   // Now the former cycle is allowed the other way round.
-  EXPECT_TRUE(fed->addDownstreamThread(first));
-  EXPECT_TRUE(fed->removeDownstreamThread(first));
+  EXPECT_TRUE(fed->addDownstreamThread(first) && fed->removeDownstreamThread(first));
 }
-
-}  // namespace

@@ -1,20 +1,19 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <atomic>
-#include <memory>
 #include <thread>
+#include <tuple>
 #include <vector>
 
 #include "support/sxThreadTestSupport.h"
 
 namespace {
-
 using namespace sxtest;
 
 // Records where the hooks ran and writes to itself after releasing its
 // waiter, so that a waiter that frees it too early is caught.
-class RecordingFlush : public sxFlushThread {
- public:
+struct RecordingFlush : sxFlushThread {
   void preSyncApply(sxBase* target) override {
     preTarget.store(target);
     preThread.store(sxThread::getCurrentThread());
@@ -30,40 +29,12 @@ class RecordingFlush : public sxFlushThread {
   int posts = 0;
 };
 
-TEST(sxThreadQueue, ProcessQueueTakesOnlyWhatWasQueuedAtTheStart) {
-  Pipeline p;
-  sxThread* t = p.add();  // never run: its queue is carried out from here
-  CountingAction later, direct;
-  later.ref();
-  direct.ref();
-  FunctionAction poster([&](sxBase* object, sxEvent*) {
-    static_cast<sxThread*>(object)->addActionToQueue(&later);
-    return true;
-  });
-  poster.ref();
-  t->addActionToQueue(&poster);
-  t->addActionToQueue(&direct);
-  t->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
-  EXPECT_EQ(t->processQueue(false), 2);
-  EXPECT_EQ(direct.lastObject.load(), t);  // queued actions get the thread
-  EXPECT_EQ(later.count.load(), 0);        // posted meanwhile: next call
-  EXPECT_EQ(t->processQueue(false), 1);
-  EXPECT_EQ(t->processQueue(false), 0);
-  // untilEmpty also takes what is posted meanwhile.
-  t->addActionToQueue(&poster);
-  EXPECT_EQ(t->processQueue(true), 2);
-  EXPECT_EQ(later.count.load(), 2);
-}
-
 TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   Pipeline p;
-  sxThread* top = p.add();
-  ASSERT_TRUE(p.addBelow(top));
-  sxThread* right = p.addBelow(top);
-  ASSERT_TRUE(p.addBelow(right));
+  sxThread *top = p.add(), *right = p.addBelow(top);
+  ASSERT_TRUE(p.addBelow(top) && right && p.addBelow(right));
   p.runAll();
   SlowAction work[4];
-  for (auto& w : work) w.ref();
   for (int round = 0; round < 3; ++round) {
     for (int i = 0; i < 4; ++i) p.threads[size_t(i)]->addActionToQueue(&work[i]);
     withDeadline("flushQueue", [&] { top->flushQueue(); });
@@ -73,55 +44,61 @@ TEST(sxThreadQueue, FlushWaitsForTheWholeDownstreamTree) {
   for (int i = 0; i < 4; ++i) EXPECT_EQ(work[i].lastThread.load(), p.threads[size_t(i)]);
 }
 
-// A synchronous action returns to its poster after the thread is done with
-// it: the poster frees it at once. Flushing from inside the thread itself
-// does not wait for itself, and dead threads block nothing.
-TEST(sxThreadQueue, SynchronousActionsAndFlushesNeverWaitInVain) {
+// A synchronous action returns once the thread is done with it: the poster frees it at
+// once. A thread flushing itself does not wait for itself; dead threads block nothing.
+TEST(sxThreadQueue, ProcessingSynchronousActionsAndFlushesNeverWaitInVain) {
   Pipeline p;
   sxThread* t = p.chain(2);
   ASSERT_TRUE(t);
   p.runAll();
   for (int round = 0; round < 20; ++round) {
-    auto* f = new RecordingFlush;
-    f->ref();
-    withDeadline("addActionToQueue", [&] { t->addActionToQueue(f); });
-    EXPECT_EQ(f->preThread.load(), t);
-    EXPECT_EQ(f->preTarget.load(), t);  // applied with the thread as object
-    EXPECT_EQ(f->postTarget.load(), t);
-    EXPECT_EQ(f->posts, 1);
-    f->unRef();  // freed at once: the thread must no longer touch it
+    auto f = make<RecordingFlush>();
+    withDeadline("addActionToQueue", [&] { t->addActionToQueue(f.get()); });
+    // Applied on the thread, with the thread as object, once.
+    EXPECT_EQ(std::tuple(f->preThread.load(), f->preTarget.load(), f->postTarget.load(), f->posts),
+              std::tuple(t, t, t, 1));
+    f.reset();  // freed at once: the thread must no longer touch it
   }
   t->addActionToQueue(static_cast<sxFlushThread*>(nullptr));  // ignored
-
   CountingAction queued;
-  queued.ref();
   std::atomic<int> flushedInside{0};
   FunctionAction selfFlush([&](sxBase* object, sxEvent*) {
     auto* self = static_cast<sxThread*>(object);
     self->addActionToQueue(&queued);
     self->flushQueue();
     RecordingFlush f;
-    f.ref();
     self->addActionToQueue(&f);
     flushedInside.store(queued.count.load() + f.posts);
-    return true;
   });
-  selfFlush.ref();
   t->addActionToQueue(&selfFlush);
   ASSERT_TRUE(waitUntil([&] { return flushedInside.load() != 0; }));
   EXPECT_EQ(flushedInside.load(), 2);
   t->kill();  // the action has returned before the locals it uses go
-
   RecordingFlush f;
-  f.ref();
   withDeadline("flush of a dead thread", [&] {
     t->addActionToQueue(&queued);  // a dead thread runs no actions
     t->flushQueue();
     t->addActionToQueue(&f);
   });
-  EXPECT_EQ(queued.count.load(), 1);
-  EXPECT_EQ(f.posts, 1);
+  EXPECT_EQ(std::tuple(queued.count.load(), f.posts), std::tuple(1, 1));
   EXPECT_EQ(t->processQueue(true), 0);
+  // processQueue takes only what was queued when it started.
+  sxThread* idle = p.add();      // never run: its queue is carried out from here
+  CountingAction later, direct;  // the queue takes no references
+  FunctionAction poster(
+      [&](sxBase* object, sxEvent*) { static_cast<sxThread*>(object)->addActionToQueue(&later); });
+  idle->addActionToQueue(&poster);
+  idle->addActionToQueue(&direct);
+  idle->addActionToQueue(static_cast<sxAction*>(nullptr));  // ignored
+  EXPECT_EQ(idle->processQueue(false), 2);
+  // Queued actions get the thread; what they post waits for the next call.
+  EXPECT_EQ(std::tuple(direct.lastObject.load(), later.count.load()), std::tuple(idle, 0));
+  EXPECT_EQ(idle->processQueue(false), 1);
+  EXPECT_EQ(idle->processQueue(false), 0);
+  // untilEmpty also takes what is posted meanwhile.
+  idle->addActionToQueue(&poster);
+  EXPECT_EQ(idle->processQueue(true), 2);
+  EXPECT_EQ(later.count.load(), 2);
 }
 
 TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
@@ -131,32 +108,24 @@ TEST(sxThreadQueue, ConcurrentPostersAndFlushesLoseNothing) {
   p.runAll();
   sxThread* d = p.threads[1];
   constexpr int posters = 4, perPoster = 3000, flushEvery = 150;
-  std::vector<std::unique_ptr<CountingAction>> actions;
-  for (int i = 0; i < posters * perPoster; ++i) {
-    actions.push_back(std::make_unique<CountingAction>());
-    actions.back()->ref();
-  }
+  std::vector<CountingAction> actions(posters * perPoster);
   std::atomic<int> barrierFailures{0};
   withDeadline("concurrent posts and flushes", [&] {
-    std::vector<std::thread> threads;
-    for (int k = 0; k < posters; ++k)
-      threads.emplace_back([&, k] {
-        for (int i = 0; i < perPoster; ++i) {
-          // Alternate the two threads so that the flush through the link
-          // is what brings the downstream items in.
-          (i % 2 ? d : t)->addActionToQueue(actions[size_t(k * perPoster + i)].get());
-          if ((i + 1) % flushEvery) continue;
-          t->flushQueue();
-          for (int j = 0; j <= i; ++j)
-            if (actions[size_t(k * perPoster + j)]->count.load() != 1) barrierFailures.fetch_add(1);
-        }
-      });
-    for (auto& th : threads) th.join();
+    inThreads(posters, [&](int k) {
+      CountingAction* mine = &actions[size_t(k * perPoster)];
+      for (int i = 0; i < perPoster; ++i) {
+        // Alternate, so that the flush through the link brings the downstream items in.
+        (i % 2 ? d : t)->addActionToQueue(&mine[i]);
+        if ((i + 1) % flushEvery) continue;
+        t->flushQueue();
+        for (int j = 0; j <= i; ++j)
+          if (mine[j].count.load() != 1) barrierFailures.fetch_add(1);
+      }
+    });
   });
   EXPECT_EQ(barrierFailures.load(), 0);
-  int wrong = 0;
-  for (auto& a : actions) wrong += a->count.load() != 1;
-  EXPECT_EQ(wrong, 0);  // each carried out exactly once
+  // Each carried out exactly once.
+  EXPECT_EQ(std::ranges::count_if(actions, [](auto& a) { return a.count.load() != 1; }), 0);
 }
 
 TEST(sxThreadQueue, QueueBetweenTwoThreadsKeepsOrder) {
@@ -174,5 +143,4 @@ TEST(sxThreadQueue, QueueBetweenTwoThreadsKeepsOrder) {
   consumer.join();
   EXPECT_TRUE(ordered.load());
 }
-
 }  // namespace

@@ -2,220 +2,153 @@
 #include <sched.h>
 
 #include <atomic>
-#include <string>
+#include <tuple>
 
 #include "support/sxThreadTestSupport.h"
 
-namespace {
-
 using namespace sxtest;
 
-template <class A, class... Args>
-A* newAction(Args&&... args) {
-  A* a = new A(std::forward<Args>(args)...);
-  a->ref();
-  return a;
+TEST(sxThread, WorkersStartSuspendedRunFreeOrTriggeredAndAreKilled) {
+  Pipeline p;
+  const int before = sxThread::getNum();
+  sxThread* t = p.add();
+  EXPECT_EQ(std::tuple(sxThread::getNum(), t->getState()),
+            std::tuple(before + 1, sxThread::SUSPENDED));
+  EXPECT_TRUE(t->getThreadId() != sxGetAppThread()->getThreadId() &&
+              t->getTravContext() != sxGetAppThread()->getTravContext());
+  auto init = make(), each = make();
+  std::atomic<bool> sawItself{false};
+  auto probe = make<FunctionAction>([&](sxBase*, sxEvent*) {
+    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
+  });
+  t->addInitAction(init.get());
+  for (sxAction* a : std::initializer_list<sxAction*>{each.get(), probe.get()}) t->addAction(a);
+  const auto applied = [&] { return each->count.load(); };
+  sxBase target;
+  EXPECT_TRUE(staysAt(applied));
+  EXPECT_EQ(init->count.load(), 0);  // nothing runs before run()
+  t->run(&target);
+  EXPECT_EQ(t->getState(), sxThread::RUNNING);
+  ASSERT_TRUE(waitUntil([&] { return applied() > 10; }));
+  // Init actions run once and get the thread.
+  EXPECT_EQ(std::tuple(init->count.load(), init->lastObject.load()), std::tuple(1, t));
+  EXPECT_TRUE(each->lastObject.load() == &target && sawItself.load());
+  t->kill();
+  EXPECT_EQ(std::tuple(t->getState(), t->getThreadId()), std::tuple(sxThread::DEAD, 0u));
+  const int atKill = applied();
+  t->kill();  // a dead thread: nothing happens
+  t->run();   // and nothing revives it
+  // Kill returned after the thread ended.
+  EXPECT_TRUE(staysAt(applied) && applied() == atKill && t->getState() == sxThread::DEAD);
+  // A triggered thread runs one iteration per run(), however early they come;
+  // suspension stops a free-running one; killing a waiting or suspended one ends it.
+  sxThread* triggered = p.add(sxThread::TRIGGERED);
+  auto once = make();
+  triggered->addAction(once.get());
+  for (int i = 0; i < 3; ++i) triggered->run();
+  ASSERT_TRUE(waitUntil([&] { return once->count.load() == 3; }));
+  EXPECT_TRUE(staysAt([&] { return once->count.load(); }));
+  EXPECT_EQ(once->count.load(), 3);
+  triggered->kill();
+  EXPECT_EQ(triggered->getState(), sxThread::DEAD);
+  sxThread* free = p.add();
+  auto loop = make();
+  const auto loops = [&] { return loop->count.load(); };
+  free->addAction(loop.get());
+  free->run();
+  ASSERT_TRUE(waitUntil([&] { return loops() > 0; }));
+  free->suspend();
+  EXPECT_EQ(free->getState(), sxThread::SUSPENDED);
+  ASSERT_TRUE(waitUntil([&] { return staysAt(loops, 20); }));
+  const int stopped = loops();
+  EXPECT_TRUE(staysAt(loops));
+  free->run();
+  EXPECT_TRUE(waitUntil([&] { return loops() > stopped + 10; }));
+  free->suspend();
+  free->kill();
+  EXPECT_EQ(free->getState(), sxThread::DEAD);
 }
 
-// The thread the application runs on is neither suspended nor killed, and
-// run() on it only counts a trigger.
-TEST(sxThread, ApplicationThreadWrapper) {
+TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
+  MessageCapture messages;
+  Pipeline p;
+  sxThread* t = p.add(sxThread::FREE_RUNNING, "Worker");
+  auto first = make(), failing = make(), after = make();
+  for (auto* a : {first.get(), failing.get(), after.get()}) t->addAction(a);
+  failing->result.store(false);
+  t->run();
+  ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
+  EXPECT_EQ(MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
+  // Actions after the failing one are not applied.
+  EXPECT_EQ(std::tuple(first->count.load(), after->count.load()), std::tuple(1, 0));
+  // Another thread still runs, and ends when an action kills it: the call returns and
+  // the thread ends at its next check.
+  sxThread* other = p.add();
+  std::atomic<int> afterKill{0};
+  auto killer = make<FunctionAction>([&](sxBase*, sxEvent*) {
+    sxThread::getCurrentThread()->kill();
+    afterKill.fetch_add(1);
+  });
+  for (sxAction* a : std::initializer_list<sxAction*>{first.get(), killer.get(), after.get()})
+    other->addAction(a);
+  other->run();
+  ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
+  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }) && afterKill.load() == 1);
+  EXPECT_EQ(first->count.load(), 2);
+  EXPECT_LE(after->count.load(), 1);
+}
+
+// Action lists reference their actions; apply runs them in order with the target and no
+// event. The application thread is never suspended or killed; run() only counts.
+TEST(sxThread, ActionListsPrioritiesProcessorsAndTheApplicationThread) {
+  Pipeline p;
+  sxThread* t = p.add();
+  auto a = make(), b = make(), c = make();
+  t->addAction(nullptr);
+  t->addInitAction(nullptr);
+  for (auto* x : {a.get(), b.get(), c.get()}) t->addAction(x);
+  t->addInitAction(a.get());
+  EXPECT_EQ(std::tuple(t->getNumActions(), t->getNumInitActions(), a->getRefCount()),
+            std::tuple(3, 1, 3));
+  EXPECT_FALSE(t->removeAction(nullptr));
+  EXPECT_TRUE(t->removeAction(a.get()));
+  EXPECT_FALSE(t->removeInitAction(b.get()));
+  EXPECT_EQ(t->getNumActions(), 2);
+  sxBase target;
+  EXPECT_TRUE(t->apply(&target));
+  EXPECT_EQ(std::tuple(a->count.load(), c->lastObject.load(), c->lastEvent.load()),
+            std::tuple(0, &target, nullptr));
+  EXPECT_TRUE(t->removeInitAction(a.get()));
+  EXPECT_EQ(std::tuple(a->getRefCount(), b->getRefCount()), std::tuple(1, 2)) << "b still listed";
   sxThread* app = sxGetAppThread();
   ASSERT_NE(app, nullptr);
-  EXPECT_TRUE(app->isAppThread());
-  EXPECT_TRUE(sxInAppThread());
-  EXPECT_EQ(sxThread::getCurrentThread(), app);
+  EXPECT_TRUE(app->isAppThread() && sxInAppThread() && sxThread::getCurrentThread() == app);
   app->suspend();
   app->kill();
-  EXPECT_EQ(app->getState(), sxThread::RUNNING);
-  EXPECT_TRUE(app->inCurrentThread());
-  auto* a = newAction<CountingAction>();
-  app->addAction(a);
+  EXPECT_TRUE(app->getState() == sxThread::RUNNING && app->inCurrentThread());
+  app->addAction(a.get());
   app->run();
   EXPECT_EQ(a->count.load(), 0);
   EXPECT_TRUE(app->apply(nullptr));
   EXPECT_EQ(a->count.load(), 1);
-  EXPECT_TRUE(app->removeAction(a));
-  a->unRef();
-}
-
-TEST(sxThread, WorkerStartsSuspendedRunsAndIsKilled) {
-  Pipeline p;
-  const int before = sxThread::getNum();
-  sxThread* t = p.add();
-  EXPECT_EQ(sxThread::getNum(), before + 1);
-  EXPECT_EQ(t->getState(), sxThread::SUSPENDED);
-  EXPECT_NE(t->getThreadId(), sxGetAppThread()->getThreadId());
-  EXPECT_NE(t->getTravContext(), sxGetAppThread()->getTravContext());
-  EXPECT_EQ(t->createCopy(), nullptr) << "threads are not copied";
-  EXPECT_TRUE(createsByName("sxThread", sxThread::getClassType()));
-
-  auto* init = newAction<CountingAction>();
-  auto* each = newAction<CountingAction>();
-  std::atomic<bool> sawItself{false};
-  auto* probe = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sawItself.store(t->inCurrentThread() && sxThread::getCurrentThread() == t && !sxInAppThread());
-    return true;
-  });
-  t->addInitAction(init);
-  t->addAction(each);
-  t->addAction(probe);
-  sxBase target;
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(init->count.load(), 0);  // nothing runs before run()
-
-  t->run(&target);
-  EXPECT_EQ(t->getState(), sxThread::RUNNING);
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() > 10; }));
-  EXPECT_EQ(init->count.load(), 1);
-  EXPECT_EQ(init->lastObject.load(), t);  // init actions get the thread
-  EXPECT_EQ(each->lastObject.load(), &target);
-  EXPECT_TRUE(sawItself.load());
-
-  t->kill();
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-  EXPECT_EQ(t->getThreadId(), 0u);
-  const int applied = each->count.load();
-  t->kill();  // a dead thread: nothing happens
-  t->run();   // and nothing revives it
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), applied) << "kill returned after the thread ended";
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-  for (sxAction* a :
-       {static_cast<sxAction*>(init), static_cast<sxAction*>(each), static_cast<sxAction*>(probe)})
-    a->unRef();
-}
-
-// A triggered thread runs one iteration per run(), however early they
-// come; suspension stops a free-running one before its next iteration, and
-// killing a waiting or suspended thread ends it.
-TEST(sxThread, TriggeredAndSuspendedThreads) {
-  Pipeline p;
-  sxThread* t = p.add(sxThread::TRIGGERED);
-  auto* each = newAction<CountingAction>();
-  t->addAction(each);
-  t->run();
-  t->run();
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return each->count.load() == 3; }));
-  EXPECT_TRUE(staysAt([&] { return each->count.load(); }));
-  EXPECT_EQ(each->count.load(), 3);
-  t->kill();
-  EXPECT_EQ(t->getState(), sxThread::DEAD);
-
-  sxThread* free = p.add();
-  auto* loop = newAction<CountingAction>();
-  free->addAction(loop);
-  free->run();
-  ASSERT_TRUE(waitUntil([&] { return loop->count.load() > 0; }));
-  free->suspend();
-  EXPECT_EQ(free->getState(), sxThread::SUSPENDED);
-  ASSERT_TRUE(waitUntil([&] { return staysAt([&] { return loop->count.load(); }, 20); }));
-  const int stopped = loop->count.load();
-  EXPECT_TRUE(staysAt([&] { return loop->count.load(); }));
-  free->run();
-  EXPECT_TRUE(waitUntil([&] { return loop->count.load() > stopped + 10; }));
-  free->suspend();
-  free->kill();
-  EXPECT_EQ(free->getState(), sxThread::DEAD);
-  each->unRef();
-  loop->unRef();
-}
-
-TEST(sxThread, AFailingOrKillingActionEndsOnlyItsThread) {
-  sxtest::MessageCapture messages;
-  Pipeline p;
-  sxThread* t = p.add(sxThread::FREE_RUNNING, "Worker");
-  auto* first = newAction<CountingAction>();
-  auto* failing = newAction<CountingAction>();
-  auto* after = newAction<CountingAction>();
-  t->addAction(first);
-  t->addAction(failing);
-  t->addAction(after);
-  failing->result.store(false);
-  t->run();
-  ASSERT_TRUE(waitUntil([&] { return t->getState() == sxThread::DEAD; }));
-  EXPECT_EQ(sxtest::MessageCapture::text(), "Thread: Worker died.  Error: 0\n");
-  EXPECT_EQ(first->count.load(), 1);
-  EXPECT_EQ(after->count.load(), 0);  // actions after the failing one are not applied
-  // The rest of the process carries on: another thread still runs, and
-  // ends when an action kills it; the call returns, and the thread ends at
-  // its next check.
-  sxThread* other = p.add();
-  std::atomic<int> afterKill{0};
-  auto* killer = newAction<FunctionAction>([&](sxBase*, sxEvent*) {
-    sxThread::getCurrentThread()->kill();
-    afterKill.fetch_add(1);
-    return true;
-  });
-  other->addAction(first);
-  other->addAction(killer);
-  other->addAction(after);
-  other->run();
-  ASSERT_TRUE(waitUntil([&] { return other->getState() == sxThread::DEAD; }));
-  EXPECT_TRUE(staysAt([&] { return afterKill.load(); }));
-  EXPECT_EQ(afterKill.load(), 1);
-  EXPECT_EQ(first->count.load(), 2);
-  EXPECT_LE(after->count.load(), 1);
-  for (auto* a : {first, failing, after}) a->unRef();
-  killer->unRef();
-}
-
-TEST(sxThread, ActionListsReferenceTheirActions) {
-  Pipeline p;
-  sxThread* t = p.add();
-  auto* a = newAction<CountingAction>();
-  auto* b = newAction<CountingAction>();
-  auto* c = newAction<CountingAction>();
-  t->addAction(nullptr);
-  t->addInitAction(nullptr);
-  EXPECT_EQ(t->getNumActions(), 0);
-  for (auto* x : {a, b, c}) t->addAction(x);
-  t->addInitAction(a);
-  EXPECT_EQ(a->getRefCount(), 3);
-  EXPECT_EQ(t->getNumInitActions(), 1);
-  EXPECT_FALSE(t->removeAction(nullptr));
-  EXPECT_TRUE(t->removeAction(a));
-  EXPECT_FALSE(t->removeInitAction(b));
-  EXPECT_EQ(t->getNumActions(), 2);
-  // apply runs what is left, in order, with the target and no event.
-  sxBase target;
-  EXPECT_TRUE(t->apply(&target));
-  EXPECT_EQ(a->count.load(), 0);
-  EXPECT_EQ(c->lastObject.load(), &target);
-  EXPECT_EQ(c->lastEvent.load(), nullptr);
-  EXPECT_TRUE(t->removeInitAction(a));
-  EXPECT_EQ(a->getRefCount(), 1);
-  for (auto* x : {a, b, c}) x->unRef();
-  EXPECT_EQ(b->getRefCount(), 1) << "still listed";
-}
-
-TEST(sxThread, PriorityAndProcessorRequests) {
-  Pipeline p;
-  sxThread* t = p.add(sxThread::TRIGGERED);
-  EXPECT_FALSE(t->setPriority(32));
-  EXPECT_FALSE(t->setPriority(-1));
+  EXPECT_TRUE(app->removeAction(a.get()));
+  // Priority and processor requests.
+  t = p.add(sxThread::TRIGGERED);
+  for (int outOfRange : {32, -1}) EXPECT_FALSE(t->setPriority(outOfRange)) << outOfRange;
   // The idle band only lowers the priority, which needs no privilege.
-  EXPECT_TRUE(t->setPriority(5));
-  EXPECT_TRUE(t->setPriority(0));
-
+  EXPECT_TRUE(t->setPriority(5) && t->setPriority(0));
   cpu_set_t set;
   ASSERT_EQ(sched_getaffinity(0, sizeof set, &set), 0);
   std::uint64_t allowed = 0;
   for (int i = 0; i < 32; ++i)
     if (CPU_ISSET(i, &set)) allowed |= std::uint64_t(1) << i;
   ASSERT_NE(allowed, 0u);
-  unsigned lowest = 1;
-  while (!(allowed & lowest)) lowest <<= 1;
+  const unsigned lowest = unsigned(allowed & -allowed);
   EXPECT_TRUE(t->setProcessors(lowest));
   EXPECT_TRUE(t->setProcessors(~0u));  // cut down to what the process may use
   EXPECT_FALSE(t->setProcessors(0));
-  if (~allowed & 0xFFFFFFFFu) {
-    EXPECT_FALSE(t->setProcessors(unsigned(~allowed)));
-  }
+  const unsigned outside = unsigned(~allowed);  // processors the process may not use
+  EXPECT_TRUE(outside == 0 || !t->setProcessors(outside));
   t->kill();
-  EXPECT_FALSE(t->setPriority(5));
-  EXPECT_FALSE(t->setProcessors(lowest));
+  EXPECT_FALSE(t->setPriority(5) || t->setProcessors(lowest));
 }
-
-}  // namespace
