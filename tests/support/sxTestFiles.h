@@ -1,5 +1,8 @@
 #pragma once
 
+#include <sx/object/sxBase.h>
+#include <sx/persist/sxEntry.h>
+
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -54,4 +57,23 @@ inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at
 inline void sxPut32(std::vector<unsigned char>& b, std::size_t at, std::uint32_t v) {
   if (b.size() < at + 4) b.resize(at + 4);
   for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
+}
+
+// The record of a plain object: its name (none for null), no flags, and
+// the directory numbers of its attributes.
+inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& refs) {
+  e->writeInt(name ? int(std::strlen(name)) + 1 : 0);
+  e->writeString(name);
+  e->writeShort(0);
+  e->writeInt(int(refs.size()));
+  for (int r : refs) e->writeInt(r);
+}
+
+// Attribute i of an object, null where there is none.
+inline sxBase* sxAttribute(const sxBase* obj, int i) {
+  const sxTList<sxBase*>* list = obj->getAttribList();
+  return list && list->indexInRange(i) ? (*list)[i] : nullptr;
+}
+inline int sxNumAttributes(const sxBase* obj) {
+  return obj->getAttribList() ? obj->getAttribList()->getNum() : 0;
 }
