@@ -4,9 +4,9 @@
 #include <signal.h>
 #include <sys/resource.h>
 
-#include <cstring>
 #include <filesystem>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/sxTestFiles.h"
@@ -26,43 +26,36 @@ struct SaveDirectory {
   ~SaveDirectory() { sxLoader::setSaveDirectory(nullptr); }
 };
 
-sxGroup* makeGroup(const char* name) {
-  auto* g = new sxGroup;
-  g->ref();
+sxRef<sxGroup> makeGroup(const char* name) {
+  sxRef<sxGroup> g(new sxGroup);
   g->setName(name);
   return g;
 }
 
 TEST(Loader, ExportAndImportAGroup) {
   sxTempDir dir;
-  sxGroup* g = makeGroup("scene root");
-  auto* child = new sxGroup;
-  child->setName("child");
-  g->addAttribute(child);
+  sxRef<sxGroup> g = makeGroup("scene root");
+  g->addAttribute(makeGroup("child").get());
   std::string base = dir.file("scene");
-  ASSERT_TRUE(sxLoader::exportFile(g, base.c_str()));
+  ASSERT_TRUE(sxLoader::exportFile(g.get(), base.c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);
   EXPECT_TRUE(std::filesystem::exists(base + ".sx")) << "groups get the extension sx";
   EXPECT_EQ(dir.count(), 1) << "no temporary file is left";
-  ASSERT_TRUE(sxLoader::exportFile(g, (base + ".SX").c_str()));
+  ASSERT_TRUE(sxLoader::exportFile(g.get(), (base + ".SX").c_str()));
   EXPECT_TRUE(std::filesystem::exists(base + ".SX"));
   EXPECT_EQ(sxReadBytes(base + ".sx"), sxReadBytes(base + ".SX"));
 
   sxBase* back = sxLoader::importFile((base + ".sx").c_str());
   ASSERT_NE(back, nullptr);
   EXPECT_EQ(back->getRefCount(), 0) << "handed over unreferenced";
-  ASSERT_NE(back->getAttribList(), nullptr);
-  EXPECT_STREQ((*back->getAttribList())[0]->getName(), "child");
-  EXPECT_EQ((*back->getAttribList())[0]->getRefCount(), 1) << "the file let go of it";
-  back->ref();
-  back->unRef();
-  sxGroup* typed = sxGroup::import((base + ".sx").c_str());
+  sxRef<sxBase> held(back);
+  ASSERT_NE(sxAttribute(back, 0), nullptr);
+  EXPECT_STREQ(sxAttribute(back, 0)->getName(), "child");
+  EXPECT_EQ(sxAttribute(back, 0)->getRefCount(), 1) << "the file let go of it";
+  sxRef<sxGroup> typed(sxGroup::import((base + ".sx").c_str()));
   ASSERT_NE(typed, nullptr);
   EXPECT_STREQ(typed->getName(), "scene root");
-  typed->ref();
-  typed->unRef();
   EXPECT_EQ(sxTestHolder::import((base + ".sx").c_str()), nullptr) << "not of that class";
-  g->unRef();
 }
 
 TEST(Loader, SaveDirectoryAndFileTypes) {
@@ -70,15 +63,14 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   std::filesystem::create_directory(dir.file("out"));
   SaveDirectory save(dir.file("out").c_str());
   EXPECT_EQ(std::string(sxLoader::getSaveDirectory()), dir.file("out") + "/");
-  sxGroup* g = makeGroup("g");
-  ASSERT_TRUE(sxLoader::exportFile(g, "a.sx"));
+  sxRef<sxGroup> g = makeGroup("g");
+  ASSERT_TRUE(sxLoader::exportFile(g.get(), "a.sx"));
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/a.sx")));
 
   // A non-group class needs a file type, also when an extension is given.
   sxTestHolder::initClass();
-  auto* h = new sxTestHolder;
-  h->ref();
-  EXPECT_FALSE(sxLoader::exportFile(h, "h.sx"));
+  sxRef<sxTestHolder> h(new sxTestHolder);
+  EXPECT_FALSE(sxLoader::exportFile(h.get(), "h.sx"));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_FILE_TYPE);
   int before = sxLoader::getNumSolmaxFileTypes();
   ASSERT_TRUE(sxLoader::addSolmaxFileType(sxTestHolder::getClassType(), "sxh"));
@@ -87,63 +79,53 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   EXPECT_EQ(sxLoader::getNumSolmaxFileTypes(), before + 1);
   EXPECT_STREQ(sxLoader::getSolmaxFileType(before), "sxh");
   EXPECT_EQ(sxLoader::getSolmaxFileType(before + 1), nullptr);
-  ASSERT_TRUE(sxLoader::exportFile(h, "holder"));
+  ASSERT_TRUE(sxLoader::exportFile(h.get(), "holder"));
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.sxh")));
-  ASSERT_TRUE(sxLoader::exportFile(h, "holder.bin"));
+  ASSERT_TRUE(sxLoader::exportFile(h.get(), "holder.bin"));
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.bin")));
 
   // A save directory that does not exist: the file cannot be created.
   sxLoader::setSaveDirectory(dir.file("missing").c_str());
-  EXPECT_FALSE(sxLoader::exportFile(g, "a"));
+  EXPECT_FALSE(sxLoader::exportFile(g.get(), "a"));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
   sxLoader::setSaveDirectory(nullptr);
   EXPECT_STREQ(sxLoader::getSaveDirectory(), "");
   EXPECT_FALSE(sxLoader::exportFile(nullptr, dir.file("none").c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
-  h->unRef();
-  g->unRef();
 }
 
 TEST(Loader, ImportErrors) {
   sxTempDir dir;
-  EXPECT_EQ(sxLoader::importFile(dir.file("missing.sx").c_str()), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
-  EXPECT_EQ(sxLoader::importFile(nullptr), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NOT_FOUND);
-
-  sxGroup* g = makeGroup("g");
-  ASSERT_TRUE(sxLoader::exportFile(g, dir.file("g.sx").c_str()));
+  ASSERT_TRUE(sxLoader::exportFile(makeGroup("g").get(), dir.file("g.sx").c_str()));
   std::filesystem::copy_file(dir.file("g.sx"), dir.file("noext"));
-  EXPECT_EQ(sxLoader::importFile(dir.file("noext").c_str()), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_EXTENSION);
   std::filesystem::create_directory(dir.file("d.dir"));
   std::filesystem::copy_file(dir.file("g.sx"), dir.file("d.dir/noext"));
-  EXPECT_EQ(sxLoader::importFile(dir.file("d.dir/noext").c_str()), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NO_EXTENSION) << "a dot in a directory";
-
   sxWriteBytes(dir.file("text.txt"), std::vector<unsigned char>(200, 'a'));
-  EXPECT_EQ(sxLoader::importFile(dir.file("text.txt").c_str()), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
-
-  // Entry 0 of a class that does not exist.
   {
-    sxFile f;
+    sxFile f;  // entry 0 of a class that does not exist
     ASSERT_TRUE(f.create(dir.file("alien.sx").c_str()));
     f.newEntry(f.newTag("sxNoSuchClass"))->writeInt(0);
     ASSERT_TRUE(f.write());
   }
-  EXPECT_EQ(sxLoader::importFile(dir.file("alien.sx").c_str()), nullptr);
-  EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
+  // Each case fails differently from the one before it.
+  const std::pair<std::string, sxLoader::LOADER_ERROR> cases[] = {
+      {dir.file("missing.sx"), sxLoader::ERROR_NOT_FOUND},
+      {dir.file("noext"), sxLoader::ERROR_NO_EXTENSION},
+      {dir.file("text.txt"), sxLoader::ERROR_OPEN},
+      {dir.file("d.dir/noext"), sxLoader::ERROR_NO_EXTENSION},  // a dot in a directory
+      {"", sxLoader::ERROR_NOT_FOUND},                          // a null name
+      {dir.file("alien.sx"), sxLoader::ERROR_OPEN}};
+  for (const auto& [path, error] : cases) {
+    EXPECT_EQ(sxLoader::importFile(path.empty() ? nullptr : path.c_str()), nullptr) << path;
+    EXPECT_EQ(sxLoader::getError(), error) << path;
+  }
 
   // The search path finds files by bare name.
   sxAddFilePath(dir.path.c_str());
-  sxBase* found = sxLoader::importFile("g.sx");
+  sxRef<sxBase> found(sxLoader::importFile("g.sx"));
   sxDeleteFilePaths();
   ASSERT_NE(found, nullptr);
   EXPECT_STREQ(found->getName(), "g");
-  found->ref();
-  found->unRef();
-  g->unRef();
 }
 
 // An export that fails leaves an existing file as it was; the limit on the
@@ -151,11 +133,10 @@ TEST(Loader, ImportErrors) {
 TEST(Loader, FailedExportLeavesTheTargetUntouched) {
   sxTempDir dir;
   std::string path = dir.file("kept.sx");
-  sxGroup* small = makeGroup("small");
-  ASSERT_TRUE(sxLoader::exportFile(small, path.c_str()));
+  ASSERT_TRUE(sxLoader::exportFile(makeGroup("small").get(), path.c_str()));
   std::vector<unsigned char> before = sxReadBytes(path);
 
-  sxGroup* big = makeGroup("big");
+  sxRef<sxGroup> big = makeGroup("big");
   for (int i = 0; i < 200; ++i) big->addAttribute(new sxBase);
   struct sigaction ignore {
   }, old{};
@@ -166,7 +147,7 @@ TEST(Loader, FailedExportLeavesTheTargetUntouched) {
   limit.rlim_cur = 2000;
   limit.rlim_max = saved.rlim_max;
   setrlimit(RLIMIT_FSIZE, &limit);
-  bool exported = sxLoader::exportFile(big, path.c_str());
+  bool exported = sxLoader::exportFile(big.get(), path.c_str());
   setrlimit(RLIMIT_FSIZE, &saved);
   sigaction(SIGXFSZ, &old, nullptr);
 
@@ -174,18 +155,15 @@ TEST(Loader, FailedExportLeavesTheTargetUntouched) {
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
   EXPECT_EQ(sxReadBytes(path), before);
   EXPECT_EQ(dir.count(), 1) << "the temporary file is removed";
-  ASSERT_TRUE(sxLoader::exportFile(big, path.c_str()));
+  ASSERT_TRUE(sxLoader::exportFile(big.get(), path.c_str()));
   EXPECT_GT(sxReadBytes(path).size(), 2000u);
-  big->unRef();
-  small->unRef();
 }
 
 TEST(Loader, ErrorMessageKeepsItsFirstCallBehaviour) {
   const char* initial = sxLoader::getErrorMessage();
   LoaderAccess::setErrorMessage("first");
-  if (!initial) {
-    EXPECT_STREQ(sxLoader::getErrorMessage(), "") << "the first call only creates";
-  }
+  EXPECT_STREQ(sxLoader::getErrorMessage(), initial ? "first" : "")
+      << "the first call only creates";
   LoaderAccess::setErrorMessage("second");
   EXPECT_STREQ(sxLoader::getErrorMessage(), "second");
   LoaderAccess::setErrorMessage(nullptr);
@@ -197,7 +175,6 @@ TEST(Loader, ErrorMessageKeepsItsFirstCallBehaviour) {
 TEST(Loader, PlugInListInSceneFiles) {
   sxTempDir dir;
   std::string path = dir.file("plugins.sx");
-  sxGroup* g = makeGroup("g");
   {
     sxPlugIn record("c:\\modules\\sxTestMissing-dbg.dll");
     record.setName("Test plug-in");
@@ -205,15 +182,14 @@ TEST(Loader, PlugInListInSceneFiles) {
     record.setRelease(3, 4, 5, "Nov 22 2026");
     sxPlugIn unsaved("sxTestUnsaved.dll");
     unsaved.enableSaveWithFile(false);
-    ASSERT_TRUE(sxLoader::exportFile(g, path.c_str()));
+    ASSERT_TRUE(sxLoader::exportFile(makeGroup("g").get(), path.c_str()));
   }
-  // Reading loads the listed modules only when plug-in loading is on.
   sxtest::MessageCapture capture;
   const std::string& messages = sxtest::MessageCapture::text();
-  sxBase* back = sxLoader::importFile(path.c_str());
-  EXPECT_EQ(messages, "");
+  sxRef<sxBase> back(sxLoader::importFile(path.c_str()));
+  EXPECT_EQ(messages, "") << "plug-in loading is off";
   sxPlugIn::enableDynamicPlugIns(true);
-  sxBase* again = sxLoader::importFile(path.c_str());
+  sxRef<sxBase> again(sxLoader::importFile(path.c_str()));
   sxPlugIn::enableDynamicPlugIns(false);
   EXPECT_NE(messages.find("Attempting to load plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
   EXPECT_NE(messages.find("Error loading plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
@@ -221,11 +197,6 @@ TEST(Loader, PlugInListInSceneFiles) {
       << "a record not to be saved was saved";
   ASSERT_TRUE(back && again);
   EXPECT_STREQ(again->getName(), "g");
-  back->ref();
-  back->unRef();
-  again->ref();
-  again->unRef();
-  g->unRef();
 }
 
 }  // namespace

@@ -6,6 +6,7 @@
 #include <sx/sxCore.h>
 
 #include <algorithm>
+#include <numeric>
 #include <string>
 #include <vector>
 
@@ -22,21 +23,14 @@ std::string zeroBomb(const sxTempDir& dir, int copies, int zeros) {
     sxFile f;
     f.create(path.c_str());
     const int tag = f.newTag("sxBase");
-    sxEntry* root = f.newEntry(tag);
-    root->writeInt(0);
-    root->writeShort(0);
-    root->writeInt(copies);
-    for (int i = 1; i <= copies; ++i) root->writeInt(i);
-    for (int i = 1; i <= copies; ++i) {
-      sxEntry* e = f.newEntry(tag);
-      if (i > 1) {
-        e->writeInt(0);  // replaced below
-        continue;
-      }
-      std::vector<unsigned char> data(std::size_t(zeros), 0);
-      e->setData(data.data(), zeros);
-      e->setCompression(sxEntry::RUN_LENGTH);
-    }
+    std::vector<int> refs(static_cast<std::size_t>(copies));
+    std::iota(refs.begin(), refs.end(), 1);
+    sxWriteObject(f.newEntry(tag), nullptr, refs);
+    sxEntry* zeroed = f.newEntry(tag);
+    const std::vector<unsigned char> data(std::size_t(zeros), 0);
+    zeroed->setData(data.data(), zeros);
+    zeroed->setCompression(sxEntry::RUN_LENGTH);
+    for (int i = 2; i <= copies; ++i) f.newEntry(tag)->writeInt(0);  // replaced below
     f.write();
   }
   std::vector<unsigned char> bytes = sxReadBytes(path);
