@@ -4,14 +4,13 @@
 
 #include <bit>
 #include <cmath>
-#include <concepts>
-#include <cstdio>
 #include <cstring>
 #include <type_traits>
 #include <vector>
 
 #include "support/sxCycles.h"
 #include "support/sxReferenceMath.h"
+#include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
 
 namespace sxReference {
@@ -35,20 +34,16 @@ struct Report {
   }
 };
 
-// Opens a reference file for reading and tells whether it came from a
-// machine of the other byte order; false, noted, when it does not open.
-bool openReference(sxFile& file, const char* path, bool& swapped, Report& r) {
+// Opens a reference file, tells whether it came from a machine of the other
+// byte order and loads the first entry of that tag; null, noted, when the
+// file does not open or the entry is missing or unreadable.
+sxEntry* openReference(sxFile& file, const char* path, const char* tag, bool& swapped, Report& r) {
   bool ok = file.open(path, "r");
   r.check(ok, std::string(path) + " does not open");
-  if (ok) swapped = file.isByteSwapped();
-  return ok;
-}
-
-// The first entry of that tag with its data loaded; null, noted, when
-// there is none or it cannot be read.
-sxEntry* loadReference(sxFile& file, const char* tag, Report& r) {
+  if (!ok) return nullptr;
+  swapped = file.isByteSwapped();
   sxEntry* e = file.findEntry(tag);
-  bool ok = e && file.readEntry(e) && e->getData();
+  ok = e && file.readEntry(e) && e->getData();
   r.check(ok, std::string(tag) + " entry missing");
   return ok ? e : nullptr;
 }
@@ -60,38 +55,31 @@ std::vector<unsigned char> runLengthBytes() {
   return bytes;
 }
 
-// Fills element i of the array with its reference value, a function of the
-// element type t, of i and of the position k within the element.
-void setElement(sxArray* a, int i) {
-  const int t = a->getType(), size = a->getElemSize();
-  unsigned char* p = static_cast<unsigned char*>(a->getData()) + i * size;
-  auto put = [p](const auto& v) { std::memcpy(p, &v, sizeof v); };
-  const int n = (t + 1) * 1000003 * (i + 1) - 0x12345;
-  switch (t) {
-    case sxArray::TYPE_USHORT:
-      return put(static_cast<unsigned short>(n));
-    case sxArray::TYPE_INT:
-      return put(n);
-    case sxArray::TYPE_DOUBLE:
-      return put(1.0e100 / double(i + 3) - 3.25);
-    case sxArray::TYPE_UBYTEVEC3:
-    case sxArray::TYPE_UBYTEVEC4:
+// An array of the reference values of type t: each a function of t, of the
+// element i and of the position k within the element.
+sxArray* referenceArray(int t) {
+  auto* a = new sxArray(numArrayElements, sxArray::DATA_TYPE(t));
+  const int size = a->getElemSize();
+  for (int i = 0; i < numArrayElements; ++i) {
+    unsigned char* p = static_cast<unsigned char*>(a->getData()) + i * size;
+    auto put = [p](const auto& v) { std::memcpy(p, &v, sizeof v); };
+    const int n = (t + 1) * 1000003 * (i + 1) - 0x12345;
+    if (t == sxArray::TYPE_USHORT) {
+      put(static_cast<unsigned short>(n));
+    } else if (t == sxArray::TYPE_INT) {
+      put(n);
+    } else if (t == sxArray::TYPE_DOUBLE) {
+      put(1.0e100 / double(i + 3) - 3.25);
+    } else if (t == sxArray::TYPE_UBYTEVEC3 || t == sxArray::TYPE_UBYTEVEC4) {
       for (int k = 0; k < size; ++k) p[k] = static_cast<unsigned char>(17 * t + 5 * i + k + 1);
-      return;
+    } else {
+      for (int k = 0; k < size / 4; ++k) {
+        float v = float(t) * 1.5f + float(i) * -0.25f + float(k) * 1024.125f;
+        std::memcpy(p + 4 * k, &v, 4);
+      }
+    }
   }
-  for (int k = 0; k < size / 4; ++k) {
-    float v = float(t) * 1.5f + float(i) * -0.25f + float(k) * 1024.125f;
-    std::memcpy(p + 4 * k, &v, 4);
-  }
-}
-
-bool elementMatches(const sxArray* a, int i) {
-  sxArray expected(i + 1, a->getType());
-  setElement(&expected, i);
-  std::size_t at = std::size_t(i) * std::size_t(a->getElemSize());
-  return std::memcmp(static_cast<const unsigned char*>(expected.getData()) + at,
-                     static_cast<const unsigned char*>(a->getData()) + at,
-                     std::size_t(a->getElemSize())) == 0;
+  return a;
 }
 
 sxBase* named(sxBase* obj, const char* name) {
@@ -100,32 +88,18 @@ sxBase* named(sxBase* obj, const char* name) {
 }
 
 // Every math value but the frustum's is given bit for bit, so the reader
-// compares exactly; the frustum is computed, and machines may round its
-// arithmetic differently, so the reader compares it with its own within a
-// tolerance (a number read in the wrong byte order is far off).
+// compares the records this machine writes of the two exactly; the frustum
+// is computed, and machines may round its arithmetic differently, so the
+// reader compares it with its own within a tolerance (a number read in the
+// wrong byte order is far off).
 template <class V>
-requires std::equality_comparable<V>
 bool same(const V& a, const V& b) {
-  return a == b;
-}
-bool same(const sxQuat& a, const sxQuat& b) {
-  return a.x == b.x && a.y == b.y && a.z == b.z && a.w == b.w;
-}
-bool same(const sxMatrix& a, const sxMatrix& b) {
-  return a == b && a.getType() == b.getType();
-}
-bool same(const sxBox& a, const sxBox& b) {
-  return a.getMin() == b.getMin() && a.getMax() == b.getMax();
-}
-bool same(const sxPlane& a, const sxPlane& b) {
-  return a.normal == b.normal && a.offset == b.offset && a.octant == b.octant;
-}
-template <class V>
-bool same(const sxInterpTable<V>& a, const sxInterpTable<V>& b) {
-  if (a.getNum() != b.getNum()) return false;
-  for (int i = 0; i < a.getNum(); ++i)
-    if (a.getParam(i) != b.getParam(i) || !same(a.getValue(i), b.getValue(i))) return false;
-  return true;
+  sxFile scratch;
+  sxEntry* e[2] = {scratch.newEntry(scratch.newTag("sxScratch")), scratch.newEntry(0)};
+  a.write(e[0]);
+  b.write(e[1]);
+  return e[0]->getDataSize() == e[1]->getDataSize() &&
+         std::memcmp(e[0]->getData(), e[1]->getData(), std::size_t(e[0]->getDataSize())) == 0;
 }
 
 bool near(float a, float b) {
@@ -186,10 +160,9 @@ bool writePrimitiveFile(const char* path) {
 int checkPrimitiveFile(const char* path, bool& swapped, std::string& out) {
   Report r{out};
   sxFile file;
-  if (!openReference(file, path, swapped, r)) return r.failures;
-  r.check(file.getNumEntries() == 2 && file.getNumTags() == 2, "entry or tag count");
-  sxEntry* e = loadReference(file, "sxPrimitives", r);
+  sxEntry* e = openReference(file, path, "sxPrimitives", swapped, r);
   if (!e) return r.failures;
+  r.check(file.getNumEntries() == 2 && file.getNumTags() == 2, "entry or tag count");
   r.check(e->isByteSwapped() == swapped, "entry byte order differs from the file's");
   r.check(e->getVersion() == 0x01020006, "entry version");
   r.check(e->readByte() == 0xA5, "byte");
@@ -229,25 +202,22 @@ bool writeSceneFile(const char* path) {
   sxTestHolder::initClass();
   sxRef<sxBase> root(named(new sxGroup, "root"));
   root->enableDynamic(true);
-  sxArray* shared = nullptr;
-  for (int t = 0; t < sxArray::numDataTypes; ++t) {
-    auto* a = new sxArray(numArrayElements, sxArray::DATA_TYPE(t));
-    for (int i = 0; i < numArrayElements; ++i) setElement(a, i);
-    if (t == sxArray::TYPE_VEC3) {
-      a->enableDynamic(true);
-      shared = a;
-    }
+  auto addHolder = [&root](const std::string& name, sxArray* a) {
     auto* holder = new sxTestHolder;
-    holder->setName(("array" + std::to_string(t)).c_str());
+    holder->setName(name.c_str());
     holder->setArray(a);
     root->addAttribute(holder);
+    return a;
+  };
+  sxArray* shared = nullptr;
+  for (int t = 0; t < sxArray::numDataTypes; ++t) {
+    sxArray* a = addHolder("array" + std::to_string(t), referenceArray(t));
+    if (t == sxArray::TYPE_VEC3) shared = a;
   }
+  shared->enableDynamic(true);
   // A second holder of the shared array, an object that refers to itself
   // and two that refer to each other.
-  auto* again = new sxTestHolder;
-  again->setName("shared");
-  again->setArray(shared);
-  root->addAttribute(again);
+  addHolder("shared", shared);
   auto* self = named(new sxBase, "self");
   self->addAttribute(self);
   root->addAttribute(self);
@@ -275,31 +245,30 @@ int checkSceneFile(const char* path, bool& swapped, std::string& out) {
   sxKeepCycle(root.get());
   r.check(root->getName() && std::strcmp(root->getName(), "root") == 0, "root name");
   r.check(root->isDynamic(), "root dynamic flag");
-  const sxTList<sxBase*>* attributes = root->getAttribList();
-  r.check(attributes && attributes->getNum() == sxArray::numDataTypes + 3, "root attributes");
-  if (!attributes || attributes->getNum() != sxArray::numDataTypes + 3) return r.failures;
+  const bool complete = sxNumAttributes(root.get()) == sxArray::numDataTypes + 3;
+  r.check(complete, "root attributes");
+  if (!complete) return r.failures;
   auto array = [&](int i) {
-    auto* holder = dynamic_cast<sxTestHolder*>((*attributes)[i]);
+    auto* holder = dynamic_cast<sxTestHolder*>(sxAttribute(root.get(), i));
     return holder ? holder->getArray() : nullptr;
   };
   for (int t = 0; t < sxArray::numDataTypes; ++t) {
     sxArray* a = array(t);
     r.check(a && a->getType() == t && a->getNum() == numArrayElements, "array type or count");
     if (!a || a->getType() != t || a->getNum() != numArrayElements) continue;
-    bool all = true;
-    for (int i = 0; i < numArrayElements; ++i) all = all && elementMatches(a, i);
-    r.check(all, t == sxArray::TYPE_DOUBLE ? "double array values" : "array values");
+    sxRef<sxArray> expected(referenceArray(t));
+    r.check(std::memcmp(a->getData(), expected->getData(), expected->getSize()) == 0,
+            t == sxArray::TYPE_DOUBLE ? "double array values" : "array values");
     r.check(a->isDynamic() == (t == sxArray::TYPE_VEC3), "array dynamic flag");
   }
   sxArray* again = array(sxArray::numDataTypes);
   r.check(again && again == array(sxArray::TYPE_VEC3), "array not shared");
-  sxBase* self = (*attributes)[sxArray::numDataTypes + 1];
-  r.check(self->getAttribList() && (*self->getAttribList())[0] == self, "self-reference");
-  sxBase* ping = (*attributes)[sxArray::numDataTypes + 2];
-  const sxTList<sxBase*>* pingAttributes = ping->getAttribList();
-  sxBase* pong = pingAttributes ? (*pingAttributes)[0] : nullptr;
-  r.check(pong && pong->getAttribList() && pong->getAttribList()->getNum() == 2 &&
-              (*pong->getAttribList())[0] == ping && (*pong->getAttribList())[1] == root.get(),
+  sxBase* self = sxAttribute(root.get(), sxArray::numDataTypes + 1);
+  r.check(sxAttribute(self, 0) == self, "self-reference");
+  sxBase* ping = sxAttribute(root.get(), sxArray::numDataTypes + 2);
+  sxBase* pong = sxAttribute(ping, 0);
+  r.check(pong && sxNumAttributes(pong) == 2 && sxAttribute(pong, 0) == ping &&
+              sxAttribute(pong, 1) == root.get(),
           "cycle");
   return r.failures;
 }
@@ -315,8 +284,7 @@ bool writeMathFile(const char* path) {
 int checkMathFile(const char* path, bool& swapped, std::string& out) {
   Report r{out};
   sxFile file;
-  if (!openReference(file, path, swapped, r)) return r.failures;
-  sxEntry* e = loadReference(file, mathTag, r);
+  sxEntry* e = openReference(file, path, mathTag, swapped, r);
   if (!e) return r.failures;
   eachMathValue([e, &r](const auto& expected, const char* name) {
     std::remove_cvref_t<decltype(expected)> value;

@@ -2,6 +2,7 @@
 
 #include <sx/object/sxBase.h>
 #include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
 
 #include <cstdint>
 #include <cstring>
@@ -57,6 +58,15 @@ inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at
 inline void sxPut32(std::vector<unsigned char>& b, std::size_t at, std::uint32_t v) {
   if (b.size() < at + 4) b.resize(at + 4);
   for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
+}
+
+// Creates the file, lets fill add its entries and writes it.
+template <class Fill>
+bool sxWriteFile(const std::string& path, Fill fill) {
+  sxFile f;
+  if (!f.create(path.c_str())) return false;
+  fill(f);
+  return f.write();
 }
 
 // The record of a plain object: its name (none for null), no flags, and
