@@ -4,56 +4,61 @@
 #include <vector>
 
 namespace {
-std::vector<int> run(sxIterator& it, int updates) {
+
+using It = sxIterator;
+
+template <class Iterator>
+std::vector<int> run(Iterator&& it, int updates) {
   std::vector<int> out;
   for (int i = 0; i < updates; ++i) out.push_back(it.update());
   return out;
 }
-sxIterator frames(int items, sxIterator::CYCLE cycle, sxIterator::DIRECTION direction) {
-  sxIterator it;
-  it.setMode(sxIterator::FRAMES);
+
+// A reset iterator over items that each last `each` updates or seconds.
+It make(int items, It::CYCLE cycle, It::DIRECTION direction, It::MODE mode = It::FRAMES,
+        float each = 1) {
+  It it;
+  it.setMode(mode);
   it.setCycle(cycle);
   it.setDirection(direction);
-  it.setItemFrameCount(1);
+  if (mode == It::FRAMES)
+    it.setItemFrameCount(int(each));
+  else
+    it.setItemTime(each);
   it.setNumItems(items);
   it.reset();
   return it;
 }
+
 }  // namespace
 
 TEST(sxIterator, CyclesStepThroughTheItems) {
-  sxIterator loop = frames(3, sxIterator::LOOP, sxIterator::FORWARD);
-  EXPECT_EQ(run(loop, 4), (std::vector<int>{0, 1, 2, 0}));
-  sxIterator swing = frames(3, sxIterator::SWING, sxIterator::FORWARD);
-  EXPECT_EQ(run(swing, 6), (std::vector<int>{0, 1, 2, 1, 0, 1}));
-  sxIterator back = frames(3, sxIterator::ONCE, sxIterator::BACKWARD);
-  EXPECT_EQ(run(back, 3), (std::vector<int>{2, 1, -1}));
-  sxIterator once = frames(2, sxIterator::ONCE, sxIterator::FORWARD);
-  EXPECT_EQ(run(once, 3), (std::vector<int>{0, 1, -1}));
-  sxIterator single = frames(1, sxIterator::SWING, sxIterator::FORWARD);
-  EXPECT_EQ(run(single, 3), (std::vector<int>{0, 0, 0}));
-  sxIterator backLoop = frames(3, sxIterator::LOOP, sxIterator::BACKWARD);
-  EXPECT_EQ(run(backLoop, 4), (std::vector<int>{2, 1, 0, 2}));
+  EXPECT_EQ(run(make(3, It::LOOP, It::FORWARD), 4), (std::vector<int>{0, 1, 2, 0}));
+  EXPECT_EQ(run(make(3, It::SWING, It::FORWARD), 6), (std::vector<int>{0, 1, 2, 1, 0, 1}));
+  EXPECT_EQ(run(make(3, It::ONCE, It::BACKWARD), 3), (std::vector<int>{2, 1, -1}));
+  EXPECT_EQ(run(make(2, It::ONCE, It::FORWARD), 3), (std::vector<int>{0, 1, -1}));
+  EXPECT_EQ(run(make(1, It::SWING, It::FORWARD), 3), (std::vector<int>{0, 0, 0}));
+  EXPECT_EQ(run(make(3, It::LOOP, It::BACKWARD), 4), (std::vector<int>{2, 1, 0, 2}));
+  // Items of no duration step once per update instead of spinning, in
+  // either mode; long ones hold.
+  EXPECT_EQ(run(make(3, It::LOOP, It::FORWARD, It::FRAMES, 0), 4), (std::vector<int>{0, 1, 2, 0}));
+  EXPECT_EQ(run(make(3, It::ONCE, It::FORWARD, It::TIME, 0), 4), (std::vector<int>{0, 1, 2, -1}));
+  EXPECT_EQ(run(make(2, It::LOOP, It::FORWARD, It::TIME, 1000), 3), (std::vector<int>{0, 0, 0}));
+  EXPECT_EQ(It().update(), -1) << "no items: current stays";
 }
 
 TEST(sxIterator, FrameCountsPerItemAndPausing) {
-  sxIterator it = frames(3, sxIterator::LOOP, sxIterator::FORWARD);
+  It it = make(3, It::LOOP, It::FORWARD);
   it.setItemFrameCount(1, 3);  // item 1 lasts three updates
   EXPECT_EQ(run(it, 6), (std::vector<int>{0, 1, 1, 1, 2, 0}));
   it.pause();
   EXPECT_EQ(run(it, 2), (std::vector<int>{0, 0}));
   it.resume();
   EXPECT_EQ(it.update(), 1);
-  // Items that last no frames step once per update instead of spinning.
-  sxIterator zero = frames(3, sxIterator::LOOP, sxIterator::FORWARD);
-  zero.setItemFrameCount(0);
-  EXPECT_EQ(run(zero, 4), (std::vector<int>{0, 1, 2, 0}));
-  sxIterator none;
-  EXPECT_EQ(none.update(), -1);  // no items: current stays
 }
 
 TEST(sxIterator, TotalsAreSharedByTheItems) {
-  sxIterator it;
+  It it;
   it.setNumItems(4);
   it.setTime(2.0f);
   EXPECT_FLOAT_EQ(it.getItemTime(3), 0.5f);
@@ -63,28 +68,60 @@ TEST(sxIterator, TotalsAreSharedByTheItems) {
   EXPECT_FLOAT_EQ(it.getItemTime(0), 0.25f);
   it.setItemTime(6, 1.0f);  // grows the per-item array
   EXPECT_FLOAT_EQ(it.getItemTime(6), 1.0f);
-  it.setMode(sxIterator::FRAMES);
+  it.setMode(It::FRAMES);
   it.setFrameCount(10);
   EXPECT_EQ(it.getItemFrameCount(0), 2);  // 10 / 4, integer division
   it.setNumItems(3);
   EXPECT_EQ(it.getItemFrameCount(2), 3);
-  sxIterator copy(it);
+  It copy(it);
   copy.setItemFrameCount(0, 9);
   EXPECT_EQ(it.getItemFrameCount(0), 3);  // copies own their arrays
   EXPECT_EQ(copy.getItemFrameCount(0), 9);
 }
 
-TEST(sxIterator, TimeModeAdvancesWithTheClock) {
-  sxIterator it;
-  it.setCycle(sxIterator::ONCE);
-  it.setItemTime(0.0f);
+TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
+  It it;
   it.setNumItems(3);
-  it.reset();
-  // Items of no duration step once per update.
-  EXPECT_EQ(run(it, 4), (std::vector<int>{0, 1, 2, -1}));
-  sxIterator slow;
-  slow.setItemTime(1000.0f);
-  slow.setNumItems(2);
-  slow.reset();
-  EXPECT_EQ(run(slow, 3), (std::vector<int>{0, 0, 0}));
+  it.setItemTime(0.25f);
+  it.setMode(It::FRAMES);
+  it.setCycle(It::SWING);
+  it.setDirection(It::BACKWARD);
+  it.setFrameCount(9);
+  it.setItemFrameCount(1, 7);  // set individually: not kept by a file
+  it.update();
+  it.pause();
+
+  sxFile f;
+  sxEntry* e = f.newEntry(f.newTag("T"));
+  it.write(e);
+  // bytes paused, cycle, mode, direction; ints current, step; two floats;
+  // 3 item times; 2 ints; 3 frame counts; the item count.
+  EXPECT_EQ(e->getDataSize(), 4 + 8 + 8 + 4 + 12 + 8 + 4 + 12 + 4);
+  EXPECT_EQ(e->getData()[1], It::SWING);
+  e->reset();
+  It back;
+  back.read(e);
+  EXPECT_TRUE(back.isPaused());
+  EXPECT_EQ(back.getCycle(), It::SWING);
+  EXPECT_EQ(back.getMode(), It::FRAMES);
+  EXPECT_EQ(back.getDirection(), It::BACKWARD);
+  EXPECT_EQ(back.getNumItems(), 3);
+  EXPECT_EQ(back.getSelectedItem(), 2);
+  EXPECT_EQ(back.getFrameCount(), 9);
+  EXPECT_EQ(back.getItemFrameCount(1), 3) << "refilled from the total";
+  EXPECT_EQ(back.getItemTime(2), 0.25f);
+  EXPECT_EQ(e->getCursor(), e->getDataSize());
+
+  // A damaged record: far more item times than the entry holds.
+  sxEntry* d = f.newEntry(f.newTag("T"));
+  for (int i = 0; i < 4; ++i) d->writeByte(0);
+  for (int v : {0, 1}) d->writeInt(v);
+  for (float v : {0.0f, 1.0f}) d->writeFloat(v);
+  d->writeInt(0x7FFFFFFF);
+  d->writeFloat(2.0f);
+  d->reset();
+  It damaged;
+  damaged.read(d);
+  EXPECT_EQ(damaged.getItemTime(0), 2.0f);
+  EXPECT_EQ(damaged.getItemTime(1), 0.0f);
 }

@@ -2,11 +2,22 @@
 #include <sx/sxCore.h>
 
 #include <cstdint>
+#include <vector>
 
 namespace {
+
+using Values = std::vector<std::intptr_t>;
+
 void* P(std::intptr_t v) {
   return reinterpret_cast<void*>(v);
 }
+
+Values values(const sxList& l) {
+  Values out;
+  for (int i = 0; i < l.getNum(); ++i) out.push_back(reinterpret_cast<std::intptr_t>(l[i]));
+  return out;
+}
+
 }  // namespace
 
 TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
@@ -14,19 +25,16 @@ TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
   EXPECT_EQ(l.getCapacity(), 0);
   for (std::intptr_t v : {10, 20, 30, 40, 20, 60}) l.add(P(v));
   EXPECT_EQ(l.getCapacity(), 8) << "two slots at first, then doubling";
-  // 20 sits at 1 and 4.
   EXPECT_EQ(l.getIndex(P(20)), 4);
-  EXPECT_TRUE(l.checkRemove(P(20)));  // the last element moves into slot 4
-  EXPECT_EQ(l[4], P(60));
-  EXPECT_EQ(l.getNum(), 5);
+  EXPECT_TRUE(l.checkRemove(P(20)));
+  EXPECT_EQ(values(l), (Values{10, 20, 30, 40, 60})) << "the last element moves into the hole";
   EXPECT_EQ(l.getIndex(P(20)), 1);
   EXPECT_FALSE(l.checkRemove(P(99)));
   EXPECT_FALSE(l.addUnique(P(30)));
-  EXPECT_TRUE(l.checkRemoveOrdered(P(20)));  // 10 30 40 60
-  EXPECT_EQ(l[1], P(30));
-  EXPECT_EQ(l[3], P(60));
+  EXPECT_TRUE(l.checkRemoveOrdered(P(20)));
   EXPECT_TRUE(l.checkReplace(P(40), P(41)));
   EXPECT_FALSE(l.checkReplace(P(40), P(42)));
+  EXPECT_EQ(values(l), (Values{10, 30, 41, 60}));
   EXPECT_FALSE(l.checkRemoveOrderedIndex(l.getNum()));
   EXPECT_FALSE(l.checkRemoveIndex(-1));
   EXPECT_EQ(l.checkRemoveLast(), P(60));
@@ -60,8 +68,7 @@ TEST(sxList, SetSizeCutsAndCopiesAssignAndCompare) {
   for (int i = 1; i <= 6; ++i) l.add(P(i));
   l.setSize(3);
   EXPECT_EQ(l.getCapacity(), 3);
-  EXPECT_EQ(l.getNum(), 3);
-  EXPECT_EQ(l[2], P(3));
+  EXPECT_EQ(values(l), (Values{1, 2, 3}));
   sxList copy(l);
   EXPECT_TRUE(copy == l);
   copy.add(P(4));
@@ -82,9 +89,9 @@ TEST(sxList, ArenaListsKeepTheirArena) {
   sxList l(4, &arena);
   ASSERT_TRUE(l.isArenaList());
   EXPECT_EQ(l.getArena(), &arena);
-  for (int i = 0; i < 20; ++i) l.add(P(i + 1));
-  EXPECT_EQ(l.getNum(), 20);
-  EXPECT_EQ(l[19], P(20));
+  Values expected;
+  for (int i = 1; i <= 20; ++i) expected.push_back(l.add(P(i)) + 1);
+  EXPECT_EQ(values(l), expected);
   EXPECT_TRUE(arena.inRange(&l[0]));
   l.setSize(0);
   EXPECT_EQ(l.getArena(), &arena);
@@ -111,4 +118,38 @@ TEST(sxTList, TypedAccessForPointersIntegersAndFunctions) {
   sxTList<const char*> names;
   names.add("x");
   EXPECT_STREQ(names.checkRemoveLast(), "x");
+}
+
+TEST(sxStack, GrowsByDoublingAndCountsEveryChange) {
+  sxStack s(0);
+  EXPECT_EQ(s.getCapacity(), 1);
+  EXPECT_TRUE(s.isEmpty());
+  short id = s.getID();
+  s.push(P(1));
+  s.push(P(2));
+  EXPECT_EQ(s.getCapacity(), 2);
+  EXPECT_EQ(s.getNum(), 2);
+  EXPECT_EQ(s.getTop(), P(2));
+  s.setTop(P(3));
+  EXPECT_EQ(s.pop(), P(3));
+  EXPECT_EQ(s.pop(), P(1));
+  EXPECT_EQ(s.pop(), nullptr);  // harmless on empty
+  EXPECT_EQ(s.getTopIndex(), -1);
+  s.setTop(P(9));  // empty: no data
+  EXPECT_EQ(s.getTop(), nullptr);
+  s.reset();
+  EXPECT_EQ(short(s.getID() - id), 8);  // two pushes, setTop, three pops, setTop, reset
+}
+
+TEST(sxStack, CounterWrapsAndTheTopIndexIsBounded) {
+  sxStack s(4);
+  for (int i = 0; i < 70000; ++i) s.reset();
+  EXPECT_EQ(std::uint16_t(s.getID()), std::uint16_t(70000));
+  for (int i = 0; i < sxStack::maxElements; ++i) ASSERT_TRUE(s.push(P(i + 1)));
+  EXPECT_FALSE(s.push(P(1)));
+  EXPECT_EQ(s.getNum(), sxStack::maxElements);
+  EXPECT_EQ(s.getTop(), P(sxStack::maxElements));
+  sxStack copy(s);
+  EXPECT_EQ(copy.getNum(), s.getNum());
+  EXPECT_EQ(copy.get(100), P(101));
 }
