@@ -1,6 +1,8 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <array>
+#include <bit>
 #include <cstring>
 
 // The layout of the values (alignment, byte order) is guarded by the
@@ -8,26 +10,23 @@
 namespace {
 
 // Entries exist only inside a file; a file that is never opened serves.
-struct EntryFixture {
+class Entry : public testing::Test {
+ protected:
   sxFile file;
-  sxEntry* entry = file.newEntry(file.newTag("sxTest"));
+  sxEntry* e = file.newEntry(file.newTag("sxTest"));
 };
 
 // At the end every reader returns its end value and leaves the cursor; a
 // value that would reach past the data counts as past the end, also when
 // the cursor is inside it, and runs stop element by element.
-TEST(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
+TEST_F(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
   for (unsigned char b : {1, 2, 3}) e->writeByte(b);
   e->reset();
   e->readByte();
   EXPECT_EQ(e->readInt(), -1) << "an aligned int would be bytes 4..7";
   EXPECT_EQ(e->getCursor(), 1);
-  const unsigned char raw[2] = {2, 3};
-  short expected;
-  std::memcpy(&expected, raw, 2);
-  EXPECT_EQ(e->readShort(), expected) << "shorts are not aligned";
+  EXPECT_EQ(e->readShort(), std::bit_cast<short>(std::array<unsigned char, 2>{2, 3}))
+      << "shorts are not aligned";
   ASSERT_EQ(e->getCursor(), e->getDataSize());
   EXPECT_TRUE(e->readBool());
   EXPECT_EQ(e->readByte(), -1);
@@ -47,12 +46,10 @@ TEST(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
   e->readFloats(floats, 2);
   EXPECT_EQ(floats[0], 1.5f);
   EXPECT_EQ(floats[1], -1.0f);
-  EXPECT_EQ(f.file.newEntry(0)->readInt(), -1) << "an entry without data";
+  EXPECT_EQ(file.newEntry(0)->readInt(), -1) << "an entry without data";
 }
 
-TEST(Entry, StringsAndChunks) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
+TEST_F(Entry, StringsAndChunks) {
   e->writeString("abc");
   e->writeString(nullptr);  // writes nothing
   e->writeChunk("\x01\x02\x03\x04\x05", 5);
@@ -79,9 +76,7 @@ TEST(Entry, StringsAndChunks) {
   EXPECT_EQ(e->readInt(), -1) << "the cursor went past the end";
 }
 
-TEST(Entry, SetDataCopiesAndKeepsTheCursor) {
-  EntryFixture f;
-  sxEntry* e = f.entry;
+TEST_F(Entry, SetDataCopiesAndKeepsTheCursor) {
   e->writeInt(1);
   e->writeInt(2);
   const int replacement[3] = {7, 8, 9};

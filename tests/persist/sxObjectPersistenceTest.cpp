@@ -66,12 +66,7 @@ TEST(ObjectPersistence, DeepChainsRoundTrip) {
   root->addAttribute(make(nullptr));
   sxTempDir dir;
   const std::string path = dir.file("objects.sx");
-  {
-    sxFile writer;
-    ASSERT_TRUE(writer.create(path.c_str()));
-    EXPECT_NE(root->write(&writer, nullptr), nullptr);
-    ASSERT_TRUE(writer.write());
-  }
+  ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) { EXPECT_NE(root->write(&f, nullptr), nullptr); }));
   // The object of entry 0 is read back by hand.
   sxRef<sxBase> back;
   sxFile reader;

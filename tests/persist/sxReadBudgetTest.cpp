@@ -19,9 +19,7 @@ namespace {
 // that on disk); each further entry claims those very bytes again.
 std::string zeroBomb(const sxTempDir& dir, int copies, int zeros) {
   const std::string path = dir.file("bomb.sx");
-  {
-    sxFile f;
-    f.create(path.c_str());
+  sxWriteFile(path, [&](sxFile& f) {
     const int tag = f.newTag("sxBase");
     std::vector<int> refs(static_cast<std::size_t>(copies));
     std::iota(refs.begin(), refs.end(), 1);
@@ -31,8 +29,7 @@ std::string zeroBomb(const sxTempDir& dir, int copies, int zeros) {
     zeroed->setData(data.data(), zeros);
     zeroed->setCompression(sxEntry::RUN_LENGTH);
     for (int i = 2; i <= copies; ++i) f.newEntry(tag)->writeInt(0);  // replaced below
-    f.write();
-  }
+  });
   std::vector<unsigned char> bytes = sxReadBytes(path);
   const std::size_t directory = sxFile::headerSize + sxFile::tagRecordSize;
   const std::size_t first = directory + sxFile::directoryRecordSize;
@@ -81,15 +78,12 @@ TEST(ReadBudget, ASoundFileReadsInFullHoweverWellItCompresses) {
   sxTempDir dir;
   const std::string path = dir.file("zeros.sx");
   const int zeros = 48 << 20;  // past the budget's floor: only its scale admits it
-  {
-    sxFile f;
-    f.create(path.c_str());
+  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
     sxEntry* root = f.newEntry(f.newTag("sxBase"));
     std::vector<unsigned char> data(std::size_t(zeros), 0);  // no name, flags 0, no attributes
     root->setData(data.data(), zeros);
     root->setCompression(sxEntry::RUN_LENGTH);
-    ASSERT_TRUE(f.write());
-  }
+  }));
   sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
   EXPECT_NE(root, nullptr) << sxLoader::getErrorMessage();
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);
@@ -98,14 +92,11 @@ TEST(ReadBudget, ASoundFileReadsInFullHoweverWellItCompresses) {
 TEST(ReadBudget, ARootThatCannotBeReadIsAnError) {
   sxTempDir dir;
   const std::string path = dir.file("root.sx");
-  {
-    sxFile f;
-    f.create(path.c_str());
+  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
     sxEntry* root = f.newEntry(f.newTag("sxGroup"));
     root->writeInt(1000);  // a name longer than the record
     root->writeString("short");
-    ASSERT_TRUE(f.write());
-  }
+  }));
   const int groups = sxGroup::getNum(false);
   EXPECT_EQ(sxLoader::importFile(path.c_str()), nullptr);
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
