@@ -3,7 +3,6 @@
 
 #include <cstdlib>
 #include <string>
-#include <utility>
 
 #include "support/sxReferenceScene.h"
 #include "support/sxTestFiles.h"
@@ -13,19 +12,14 @@
 // SXCORE_BIGENDIAN_DIR and checks the reverse direction on s390x.
 namespace {
 
-using Check = int (*)(const char*, bool&, std::string&);
-
 void checkDirectory(const std::string& dir, bool writtenBigEndian) {
   bool expectSwapped = writtenBigEndian != sxReference::isBigEndian();
-  const std::pair<const char*, Check> files[] = {
-      {sxReference::primitiveFileName, sxReference::checkPrimitiveFile},
-      {sxReference::sceneFileName, sxReference::checkSceneFile},
-      {sxReference::mathFileName, sxReference::checkMathFile}};
-  for (const auto& [name, check] : files) {
+  for (const auto& file : sxReference::files) {
     std::string report;
     bool swapped = !expectSwapped;
-    EXPECT_EQ(check((dir + "/" + name).c_str(), swapped, report), 0) << name << "\n" << report;
-    EXPECT_EQ(swapped, expectSwapped) << name;
+    EXPECT_EQ(file.check((dir + "/" + file.name).c_str(), swapped, report), 0) << file.name << "\n"
+                                                                               << report;
+    EXPECT_EQ(swapped, expectSwapped) << file.name;
   }
 }
 
@@ -42,9 +36,7 @@ TEST(ByteOrder, FilesWrittenOnALittleEndianMachine) {
 // sharing, the cycles and the run-length entry of the reference files.
 TEST(ByteOrder, FilesWrittenHere) {
   sxTempDir dir;
-  ASSERT_TRUE(sxReference::writePrimitiveFile(dir.file(sxReference::primitiveFileName).c_str()));
-  ASSERT_TRUE(sxReference::writeSceneFile(dir.file(sxReference::sceneFileName).c_str()));
-  ASSERT_TRUE(sxReference::writeMathFile(dir.file(sxReference::mathFileName).c_str()));
+  for (const auto& file : sxReference::files) ASSERT_TRUE(file.write(dir.file(file.name).c_str()));
   checkDirectory(dir.path, sxReference::isBigEndian());
 }
 

@@ -25,10 +25,6 @@ sxBase* make(const char* name) {
   return obj;
 }
 
-std::vector<unsigned char> bytes(const sxEntry* e) {
-  return {e->getData(), e->getData() + e->getDataSize()};
-}
-
 TEST(ObjectPersistence, UnwritableAttributesAreSkipped) {
   sxRef<sxBase> root(make("root"));
   root->addAttribute(new sxTestHidden);
@@ -38,12 +34,13 @@ TEST(ObjectPersistence, UnwritableAttributesAreSkipped) {
   sxEntry* e = root->write(&f, nullptr);
   sxEntry* expected = g.newEntry(g.newTag("sxBase"));
   sxWriteObject(expected, "root", {1});
-  EXPECT_EQ(bytes(e), bytes(expected)) << "the hidden attribute is neither counted nor referred to";
+  EXPECT_EQ(sxEntryBytes(e), sxEntryBytes(expected))
+      << "the hidden attribute is neither counted nor referred to";
   // A reference to an unwritable object is -1 and creates no entry.
   EXPECT_EQ(sxAttribute(root.get(), 0)->writeRef(&f, e), nullptr);
   EXPECT_EQ(f.getNumEntries(), 2);
   expected->writeInt(-1);
-  EXPECT_EQ(bytes(e), bytes(expected));
+  EXPECT_EQ(sxEntryBytes(e), sxEntryBytes(expected));
   sxTestHidden::getClassType()->setWritable(true);
 }
 

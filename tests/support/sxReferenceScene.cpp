@@ -2,7 +2,6 @@
 
 #include <sx/sxCore.h>
 
-#include <bit>
 #include <cmath>
 #include <cstring>
 #include <type_traits>
@@ -124,10 +123,6 @@ bool same(const sxFrustum& a, const sxFrustum& b) {
 }
 
 }  // namespace
-
-bool isBigEndian() {
-  return std::endian::native == std::endian::big;
-}
 
 bool writePrimitiveFile(const char* path) {
   sxFile file;

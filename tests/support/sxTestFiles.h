@@ -50,6 +50,10 @@ inline void sxWriteBytes(const std::string& path, const std::vector<unsigned cha
   out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
 }
 
+inline std::vector<unsigned char> sxEntryBytes(const sxEntry* e) {
+  return {e->getData(), e->getData() + e->getDataSize()};
+}
+
 // Little-endian number access for building and inspecting files by hand.
 inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at) {
   return std::uint32_t(b[at]) | std::uint32_t(b[at + 1]) << 8 | std::uint32_t(b[at + 2]) << 16 |
