@@ -30,31 +30,27 @@ void readEverything(const std::string& path) {
     const auto failure = e->getDataSize() > 0 ? sxFile::ERR_READ : sxFile::ERR_NO_DATA;
     EXPECT_TRUE(f.readEntry(e) || f.getLastError() == failure) << path << " entry " << i;
   }
-  if (sxBase* root = sxLoader::importFile(path.c_str())) {
-    root->ref();
-    if (root->getRefCount() > 1) sxKeepCycle(root);
-    root->unRef();
-  }
+  sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
+  if (root && root->getRefCount() > 1) sxKeepCycle(root.get());
 }
 
-// A file with a root object (entry 0) whose record is given by `fill`,
-// one more plain object (entry 1) and an array entry (entry 2).
-template <class Fill>
-std::string handMade(const sxTempDir& dir, const char* name, Fill fill) {
+// A file with a root object (entry 0) that refers to refs, claiming
+// `count` attributes (by default as many) and followed by `trailing` zero
+// bytes; one more plain object (entry 1) and an array entry (entry 2).
+std::string handMade(const sxTempDir& dir, const char* name, const std::vector<int>& refs,
+                     int count = -1, int trailing = 0) {
   std::string path = dir.file(name);
   sxWriteFile(path, [&](sxFile& f) {
     int base = f.newTag("sxBase");
-    fill(f.newEntry(base));
+    sxEntry* root = f.newEntry(base);
+    sxWriteObject(root, "root", refs, count);
+    for (int i = 0; i < trailing; ++i) root->writeByte(0);
     sxWriteObject(f.newEntry(base), "plain", {});
     sxEntry* a = f.newEntry(f.newTag("sxArray"));
     a->writeShort(sxArray::TYPE_INT);
     for (int v : {2, 11, 22}) a->writeInt(v);
   });
   return path;
-}
-
-auto rootWithReferences(std::vector<int> refs) {
-  return [refs](sxEntry* e) { sxWriteObject(e, "root", refs); };
 }
 
 // The number of attributes the imported root read, -1 without a root.
@@ -90,8 +86,7 @@ TEST(HostileFiles, EveryTruncationOfARealFile) {
 
 TEST(HostileFiles, DamagedHeadersAndTables) {
   sxTempDir dir;
-  const std::vector<unsigned char> good =
-      sxReadBytes(handMade(dir, "base.sx", rootWithReferences({1})));
+  const std::vector<unsigned char> good = sxReadBytes(handMade(dir, "base.sx", {1}));
   const std::string bad = dir.file("bad.sx");
   auto openDamaged = [&](std::size_t at, std::uint32_t value) {
     std::vector<unsigned char> bytes = good;
@@ -145,7 +140,7 @@ TEST(HostileFiles, FuzzerFindings) {
 TEST(HostileFiles, RunLengthStreamsThatOverrun) {
   sxTempDir dir;
   auto streamFile = [&](std::vector<unsigned char> stream, std::uint32_t dataSize) {
-    std::string path = handMade(dir, "rle.sx", rootWithReferences({}));
+    std::string path = handMade(dir, "rle.sx", {});
     std::vector<unsigned char> bytes = sxReadBytes(path);
     std::uint32_t offset = std::uint32_t(bytes.size());
     sxPut32(bytes, offset, std::uint32_t(stream.size()));
@@ -174,14 +169,14 @@ TEST(HostileFiles, RunLengthStreamsThatOverrun) {
 TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
   sxTempDir dir;
   // References out of range and to the array's entry read as null.
-  std::string path = handMade(dir, "refs.sx", rootWithReferences({1, 3, -7, 2, 0x7FFFFFFF, 1}));
+  std::string path = handMade(dir, "refs.sx", {1, 3, -7, 2, 0x7FFFFFFF, 1});
   sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
   ASSERT_NE(root, nullptr);
   ASSERT_EQ(sxNumAttributes(root.get()), 2);
   EXPECT_EQ(sxAttribute(root.get(), 0), sxAttribute(root.get(), 1));
 
   // A name length past the entry: that object reads as null.
-  path = handMade(dir, "name.sx", rootWithReferences({1}));
+  path = handMade(dir, "name.sx", {1});
   std::vector<unsigned char> bytes = sxReadBytes(path);
   sxPut32(bytes, sxGet32(bytes, record(1) + 8), 1000000);  // the offset of the plain object's data
   sxWriteBytes(path, bytes);
@@ -190,13 +185,7 @@ TEST(HostileFiles, ReferencesStringsAndCountsOutOfRange) {
   // A huge attribute count ends with the data, also when the data end in
   // the middle of an aligned int.
   for (int trailing : {0, 2}) {
-    path = handMade(dir, "count.sx", [trailing](sxEntry* e) {
-      e->writeInt(0);
-      e->writeShort(0);
-      e->writeInt(0x7FFFFFFF);
-      e->writeInt(1);
-      for (int i = 0; i < trailing; ++i) e->writeByte(0);
-    });
+    path = handMade(dir, "count.sx", {1}, 0x7FFFFFFF, trailing);
     EXPECT_EQ(importedAttributes(path), 1) << trailing;
   }
 }

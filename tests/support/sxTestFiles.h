@@ -19,9 +19,7 @@ class sxTempDir {
  public:
   sxTempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "sxfilesXXXXXX").string();
-    std::vector<char> buf(pattern.begin(), pattern.end());
-    buf.push_back(0);
-    path = mkdtemp(buf.data()) ? buf.data() : "";
+    path = mkdtemp(pattern.data()) ? pattern : "";
   }
   ~sxTempDir() {
     std::error_code ec;
@@ -73,13 +71,15 @@ bool sxWriteFile(const std::string& path, Fill fill) {
   return f.write();
 }
 
-// The record of a plain object: its name (none for null), no flags, and
-// the directory numbers of its attributes.
-inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& refs) {
+// The record of a plain object: its name (none for null), no flags, the
+// number of its attributes (by default that of refs) and their directory
+// numbers.
+inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& refs,
+                          int count = -1) {
   e->writeInt(name ? int(std::strlen(name)) + 1 : 0);
   e->writeString(name);
   e->writeShort(0);
-  e->writeInt(int(refs.size()));
+  e->writeInt(count < 0 ? int(refs.size()) : count);
   for (int r : refs) e->writeInt(r);
 }
 

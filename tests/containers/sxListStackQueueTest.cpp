@@ -2,6 +2,7 @@
 #include <sx/sxCore.h>
 
 #include <cstdint>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -15,6 +16,26 @@ void* P(std::intptr_t v) {
 Values values(const sxList& l) {
   Values out;
   for (int i = 0; i < l.getNum(); ++i) out.push_back(reinterpret_cast<std::intptr_t>(l[i]));
+  return out;
+}
+
+sxRef<sxQueue> makeQueue(int capacity, sxQueue::MODE mode) {
+  sxRef<sxQueue> q(new sxQueue(sizeof(int), capacity));
+  q->setMode(mode);
+  return q;
+}
+
+// Puts each value and returns how many went in.
+int put(sxQueue& q, std::initializer_list<int> values) {
+  int n = 0;
+  for (int v : values) n += q.put(&v);
+  return n;
+}
+
+std::vector<int> drain(sxQueue& q) {
+  std::vector<int> out;
+  int v;
+  while (q.get(&v)) out.push_back(v);
   return out;
 }
 
@@ -43,14 +64,12 @@ TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
   EXPECT_EQ(empty.getNum(), 0);  // the count word stays intact
 }
 
-TEST(sxList, InsertPastTheEndAndSetGrowTheCount) {
+TEST(sxList, InsertAndSetPastTheEndGrowTheCount) {
   sxList l;
   EXPECT_TRUE(l.insert(10, P(7)));
-  EXPECT_EQ(l.getNum(), 11);
-  EXPECT_EQ(l[10], P(7));
+  EXPECT_EQ(std::tuple(l.getNum(), l[10]), std::tuple(11, P(7)));
   EXPECT_TRUE(l.insert(0, P(1)));
-  EXPECT_EQ(l.getNum(), 12);
-  EXPECT_EQ(l[11], P(7));
+  EXPECT_EQ(std::tuple(l.getNum(), l[11]), std::tuple(12, P(7)));
   EXPECT_FALSE(l.insert(-1, P(1)));
   EXPECT_TRUE(l.insert(1, P(2)));
   EXPECT_EQ(l[12], P(7));
@@ -80,8 +99,7 @@ TEST(sxList, SetSizeCutsAndCopiesAssignAndCompare) {
   EXPECT_TRUE(target == l);
   EXPECT_EQ(target.getCapacity(), capacity);  // never shrinks
   l.setSize(0);
-  EXPECT_EQ(l.getNum(), 0);
-  EXPECT_EQ(l.getCapacity(), 0);
+  EXPECT_EQ(std::tuple(l.getNum(), l.getCapacity()), std::tuple(0, 0));
 }
 
 TEST(sxList, ArenaListsKeepTheirArena) {
@@ -91,7 +109,7 @@ TEST(sxList, ArenaListsKeepTheirArena) {
   EXPECT_EQ(l.getArena(), &arena);
   Values expected;
   for (int i = 1; i <= 20; ++i) expected.push_back(l.add(P(i)) + 1);
-  EXPECT_EQ(values(l), expected);
+  EXPECT_EQ(values(l), expected) << "add returns the new index";
   EXPECT_TRUE(arena.inRange(&l[0]));
   l.setSize(0);
   EXPECT_EQ(l.getArena(), &arena);
@@ -120,16 +138,13 @@ TEST(sxTList, TypedAccessForPointersIntegersAndFunctions) {
   EXPECT_STREQ(names.checkRemoveLast(), "x");
 }
 
-TEST(sxStack, GrowsByDoublingAndCountsEveryChange) {
+TEST(sxStack, GrowsByDoublingCountsEveryChangeAndIsBounded) {
   sxStack s(0);
-  EXPECT_EQ(s.getCapacity(), 1);
-  EXPECT_TRUE(s.isEmpty());
+  EXPECT_EQ(std::tuple(s.getCapacity(), s.isEmpty()), std::tuple(1, true));
   short id = s.getID();
   s.push(P(1));
   s.push(P(2));
-  EXPECT_EQ(s.getCapacity(), 2);
-  EXPECT_EQ(s.getNum(), 2);
-  EXPECT_EQ(s.getTop(), P(2));
+  EXPECT_EQ(std::tuple(s.getCapacity(), s.getNum(), s.getTop()), std::tuple(2, 2, P(2)));
   s.setTop(P(3));
   EXPECT_EQ(s.pop(), P(3));
   EXPECT_EQ(s.pop(), P(1));
@@ -139,17 +154,61 @@ TEST(sxStack, GrowsByDoublingAndCountsEveryChange) {
   EXPECT_EQ(s.getTop(), nullptr);
   s.reset();
   EXPECT_EQ(short(s.getID() - id), 8);  // two pushes, setTop, three pops, setTop, reset
-}
-
-TEST(sxStack, CounterWrapsAndTheTopIndexIsBounded) {
-  sxStack s(4);
   for (int i = 0; i < 70000; ++i) s.reset();
-  EXPECT_EQ(std::uint16_t(s.getID()), std::uint16_t(70000));
+  EXPECT_EQ(std::uint16_t(s.getID() - id), std::uint16_t(70008)) << "the counter wraps";
+
   for (int i = 0; i < sxStack::maxElements; ++i) ASSERT_TRUE(s.push(P(i + 1)));
   EXPECT_FALSE(s.push(P(1)));
-  EXPECT_EQ(s.getNum(), sxStack::maxElements);
-  EXPECT_EQ(s.getTop(), P(sxStack::maxElements));
+  EXPECT_EQ(std::tuple(s.getNum(), s.getTop()),
+            std::tuple(sxStack::maxElements, P(sxStack::maxElements)));
   sxStack copy(s);
-  EXPECT_EQ(copy.getNum(), s.getNum());
-  EXPECT_EQ(copy.get(100), P(101));
+  EXPECT_EQ(std::tuple(copy.getNum(), copy.get(100)), std::tuple(s.getNum(), P(101)));
+}
+
+// Growing queues, which double and keep their order across the wrap, are
+// tested between two threads (threads/sxThreadQueueTest).
+TEST(sxQueue, BoundedHoldsOneLessThanCapacity) {
+  sxRef<sxQueue> q = makeQueue(4, sxQueue::BOUNDED);
+  EXPECT_EQ(put(*q, {1, 2, 3, 4}), 3);
+  EXPECT_EQ(q->getCount(), 3);
+  EXPECT_EQ(drain(*q), (std::vector<int>{1, 2, 3}));
+  EXPECT_FALSE(q->put(nullptr));
+  int v = 0;
+  EXPECT_FALSE(q->get(&v));
+  EXPECT_FALSE(q->get(nullptr));
+  // Wrapping around the buffer keeps the order.
+  for (int round = 0; round < 5; ++round) {
+    put(*q, {0, 1, 2});
+    EXPECT_EQ(drain(*q), (std::vector<int>{0, 1, 2}));
+  }
+}
+
+TEST(sxQueue, OverwriteDropsTheOldest) {
+  sxRef<sxQueue> q = makeQueue(4, sxQueue::OVERWRITE);
+  EXPECT_EQ(put(*q, {1, 2, 3, 4, 5}), 5);
+  EXPECT_EQ(q->getCount(), 4);
+  int first = 0;
+  EXPECT_TRUE(q->sample(&first));
+  EXPECT_EQ(first, 2);
+  EXPECT_EQ(put(*q, {6}), 1);
+  EXPECT_EQ(drain(*q), (std::vector<int>{3, 4, 5, 6}));
+}
+
+TEST(sxQueue, CopiesHoldTheSourceRecordsOldestFirst) {
+  sxRef<sxQueue> q = makeQueue(3, sxQueue::OVERWRITE);
+  put(*q, {1, 2, 3, 4, 5});  // holds 3 4 5, wrapped
+  sxQueue copy(*q);
+  EXPECT_EQ(std::tuple(copy.getMode(), copy.getCapacity()), std::tuple(sxQueue::OVERWRITE, 3));
+  EXPECT_EQ(drain(copy), (std::vector<int>{3, 4, 5}));
+  EXPECT_EQ(q->getCount(), 3);  // the source is untouched
+  sxQueue assigned(8, 1);
+  assigned = *q;
+  EXPECT_EQ(assigned.getElementSize(), int(sizeof(int)));
+  EXPECT_EQ(drain(assigned), (std::vector<int>{3, 4, 5}));
+  q->reset();
+  EXPECT_EQ(q->getCount(), 0);
+  int v;
+  EXPECT_FALSE(q->sample(&v));
+  sxQueue tiny(0, 0);
+  EXPECT_EQ(std::tuple(tiny.getElementSize(), tiny.getCapacity()), std::tuple(1, 1));
 }
