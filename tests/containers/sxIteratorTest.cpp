@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -32,7 +33,7 @@ It make(int items, It::CYCLE cycle, It::DIRECTION direction, It::MODE mode = It:
 
 }  // namespace
 
-TEST(sxIterator, CyclesStepThroughTheItems) {
+TEST(sxIterator, CyclesFrameCountsAndPausingStepThroughTheItems) {
   EXPECT_EQ(run(make(3, It::LOOP, It::FORWARD), 4), (std::vector<int>{0, 1, 2, 0}));
   EXPECT_EQ(run(make(3, It::SWING, It::FORWARD), 6), (std::vector<int>{0, 1, 2, 1, 0, 1}));
   EXPECT_EQ(run(make(3, It::ONCE, It::BACKWARD), 3), (std::vector<int>{2, 1, -1}));
@@ -45,9 +46,7 @@ TEST(sxIterator, CyclesStepThroughTheItems) {
   EXPECT_EQ(run(make(3, It::ONCE, It::FORWARD, It::TIME, 0), 4), (std::vector<int>{0, 1, 2, -1}));
   EXPECT_EQ(run(make(2, It::LOOP, It::FORWARD, It::TIME, 1000), 3), (std::vector<int>{0, 0, 0}));
   EXPECT_EQ(It().update(), -1) << "no items: current stays";
-}
-
-TEST(sxIterator, FrameCountsPerItemAndPausing) {
+  // Frame counts per item, and pausing.
   It it = make(3, It::LOOP, It::FORWARD);
   it.setItemFrameCount(1, 3);  // item 1 lasts three updates
   EXPECT_EQ(run(it, 6), (std::vector<int>{0, 1, 1, 1, 2, 0}));
@@ -75,8 +74,8 @@ TEST(sxIterator, TotalsAreSharedByTheItems) {
   EXPECT_EQ(it.getItemFrameCount(2), 3);
   It copy(it);
   copy.setItemFrameCount(0, 9);
-  EXPECT_EQ(it.getItemFrameCount(0), 3);  // copies own their arrays
-  EXPECT_EQ(copy.getItemFrameCount(0), 9);
+  EXPECT_EQ(std::tuple(it.getItemFrameCount(0), copy.getItemFrameCount(0)), std::tuple(3, 9))
+      << "copies own their arrays";
 }
 
 TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
@@ -101,15 +100,12 @@ TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
   e->reset();
   It back;
   back.read(e);
-  EXPECT_TRUE(back.isPaused());
-  EXPECT_EQ(back.getCycle(), It::SWING);
-  EXPECT_EQ(back.getMode(), It::FRAMES);
-  EXPECT_EQ(back.getDirection(), It::BACKWARD);
-  EXPECT_EQ(back.getNumItems(), 3);
-  EXPECT_EQ(back.getSelectedItem(), 2);
-  EXPECT_EQ(back.getFrameCount(), 9);
+  EXPECT_EQ(std::tuple(back.isPaused(), back.getCycle(), back.getMode(), back.getDirection()),
+            std::tuple(true, It::SWING, It::FRAMES, It::BACKWARD));
+  EXPECT_EQ(std::tuple(back.getNumItems(), back.getSelectedItem(), back.getFrameCount(),
+                       back.getItemTime(2)),
+            std::tuple(3, 2, 9, 0.25f));
   EXPECT_EQ(back.getItemFrameCount(1), 3) << "refilled from the total";
-  EXPECT_EQ(back.getItemTime(2), 0.25f);
   EXPECT_EQ(e->getCursor(), e->getDataSize());
 
   // A damaged record: far more item times than the entry holds.

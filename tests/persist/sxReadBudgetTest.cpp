@@ -31,13 +31,11 @@ std::string zeroBomb(const sxTempDir& dir, int copies, int zeros) {
     for (int i = 2; i <= copies; ++i) f.newEntry(tag)->writeInt(0);  // replaced below
   });
   std::vector<unsigned char> bytes = sxReadBytes(path);
-  const std::size_t directory = sxFile::headerSize + sxFile::tagRecordSize;
-  const std::size_t first = directory + sxFile::directoryRecordSize;
-  for (int i = 2; i <= copies; ++i) {
-    const std::size_t record = directory + std::size_t(i) * sxFile::directoryRecordSize;
-    for (int field = 8; field < 20; field += 4)  // offset, compression, size
-      sxPut32(bytes, record + field, sxGet32(bytes, first + field));
-  }
+  auto field = [&bytes](int entry) {  // the offset, compression and size of the entry's data
+    return bytes.begin() + sxFile::headerSize + sxFile::tagRecordSize +
+           entry * sxFile::directoryRecordSize + 8;
+  };
+  for (int i = 2; i <= copies; ++i) std::copy_n(field(1), 12, field(i));
   sxWriteBytes(path, bytes);
   return path;
 }

@@ -229,11 +229,8 @@ bool writeSceneFile(const char* path) {
 int checkSceneFile(const char* path, bool& swapped, std::string& out) {
   Report r{out};
   sxTestHolder::initClass();
-  {
-    sxFile file;
-    r.check(file.open(path, "r"), "scene file does not open");
-    swapped = file.isByteSwapped();
-  }
+  sxFile file;
+  if (!openReference(file, path, "sxGroup", swapped, r)) return r.failures;
   sxRef<sxBase> root(sxLoader::importFile(path));
   r.check(root && root->isOfType(sxGroup::getClassType()), "root is not a group");
   if (!root) return r.failures;
