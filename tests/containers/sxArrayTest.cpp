@@ -2,6 +2,7 @@
 #include <sx/sxCore.h>
 
 #include <algorithm>
+#include <tuple>
 #include <vector>
 
 // Arrays in files, shared and of every element type, are covered by the
@@ -23,13 +24,13 @@ Bytes bytes(const sxArray& a, unsigned n = ~0u) {
   return Bytes(p, p + std::min(n, a.getSize()));
 }
 
-TEST(Array, CreationByNameCopiesAndReferenceCounts) {
+TEST(Array, CreationByNameCopiesReferenceCountsAndTypedViews) {
   sxRef<sxArray> g(sxCreateArray("sxVec3GArray", 4));
   ASSERT_NE(g, nullptr);
-  EXPECT_EQ(g->getType(), sxArray::TYPE_VEC3);
-  ASSERT_TRUE(g->isGrowable());
+  ASSERT_EQ((std::tuple{g->getType(), g->isGrowable(), g->getNum()}),
+            (std::tuple{sxArray::TYPE_VEC3, true, 4}))
+      << "the allocated count";
   EXPECT_EQ(static_cast<sxGrowableArray*>(g.get())->getNum(), 0);
-  EXPECT_EQ(g->getNum(), 4) << "the allocated count";
   EXPECT_EQ(bytes(*g), Bytes(48, 0)) << "zeroed elements";
   EXPECT_EQ(sxCreateArray("sxVec5Array", 3), nullptr);
   EXPECT_EQ(sxCreateArray(nullptr, 3), nullptr);
@@ -47,8 +48,9 @@ TEST(Array, CreationByNameCopiesAndReferenceCounts) {
   sxArray assigned(1, sxArray::TYPE_INT);
   assigned.ref();
   assigned = *a;
-  EXPECT_EQ(assigned.getRefCount(), 1) << "assignment keeps the count";
-  EXPECT_EQ(assigned.getType(), sxArray::TYPE_VEC2);
+  EXPECT_EQ((std::tuple{assigned.getRefCount(), assigned.getType()}),
+            (std::tuple{1, sxArray::TYPE_VEC2}))
+      << "assignment keeps the count";
   a->enableDynamic(true);
   EXPECT_EQ(a->getType(), sxArray::TYPE_VEC2) << "the dynamic bit is not part of the type";
   a->unRef();
@@ -66,9 +68,21 @@ TEST(Array, CreationByNameCopiesAndReferenceCounts) {
   c = sxCreateArrayCopy("sxDoubleArray", &source);
   EXPECT_EQ(bytes(*c, 12), bytes(source)) << "all of a smaller source";
   c = sxCreateArrayCopy("sxUShortArray", &source);
-  EXPECT_EQ(c->getType(), sxArray::TYPE_USHORT);
-  EXPECT_EQ(c->getNum(), 3);
+  EXPECT_EQ((std::tuple{c->getType(), c->getNum()}), (std::tuple{sxArray::TYPE_USHORT, 3}));
   EXPECT_EQ(bytes(*c), bytes(source, 6)) << "as many bytes as fit";
+
+  // Typed views of arrays of their own element type only.
+  sxTArray<sxVec3> vectors(g.get());
+  EXPECT_EQ((std::tuple{vectors.isValid(), vectors.getNum()}), (std::tuple{true, 4}));
+  vectors[3] = sxVec3(1.0f, 2.0f, 3.0f);
+  EXPECT_EQ(static_cast<float*>(g->getData())[11], 3.0f);
+  sxArray colours(2, sxArray::TYPE_UBYTEVEC4);
+  sxTArray<sxUByteVec4> rgba(&colours);
+  rgba[1] = sxUByteVec4(1, 2, 3, 4);
+  EXPECT_EQ(static_cast<unsigned char*>(colours.getData())[7], 4);
+  EXPECT_FALSE(sxTArray<sxUByteVec3>(&colours).isValid());
+  sxTArray<float> wrong(g.get());
+  EXPECT_EQ((std::tuple{wrong.isValid(), wrong.getNum()}), (std::tuple{false, 0}));
 }
 
 TEST(GrowableArray, GrowIndexAndTheShortMove) {
@@ -85,17 +99,15 @@ TEST(GrowableArray, GrowIndexAndTheShortMove) {
   EXPECT_EQ(g.getIndex(&sixth), -1) << "only used elements are searched";
   // Removing element 2 of 5 moves numUsed - 2 - 1 = 2 bytes, not elements.
   g.removeElem(&third);
-  EXPECT_EQ(g.getNum(), 4);
-  EXPECT_EQ(p[2], 0x03030404);
-  EXPECT_EQ(p[3], fourth);
+  EXPECT_EQ((std::tuple{g.getNum(), p[2], p[3]}), (std::tuple{4, 0x03030404, fourth}));
   g.removeElem(&fourth);  // the last used element: only the count changes
-  EXPECT_EQ(g.getNum(), 3);
-  EXPECT_EQ(p[3], fourth);
+  EXPECT_EQ((std::tuple{g.getNum(), p[3]}), (std::tuple{3, fourth}));
   g.removeElem(&fifth);  // not in use: nothing changes
   EXPECT_EQ(g.getNum(), 3);
   g.grow(2);
-  EXPECT_EQ(g.getSize(), 8u) << "grow shrinks to the exact size";
-  EXPECT_EQ(static_cast<int*>(g.getData())[1], 0x02020202);
+  EXPECT_EQ((std::tuple{g.getSize(), static_cast<int*>(g.getData())[1]}),
+            (std::tuple{8u, 0x02020202}))
+      << "grow shrinks to the exact size";
   g.reset();
   EXPECT_EQ(g.getIndex(&fifth), -1);
 
@@ -110,23 +122,6 @@ TEST(GrowableArray, GrowIndexAndTheShortMove) {
   back.read(e);
   EXPECT_EQ(back.getNum(), 4);
   EXPECT_EQ(bytes(back), bytes(source));
-}
-
-TEST(Array, TypedView) {
-  sxArray a(4, sxArray::TYPE_VEC3);
-  sxTArray<sxVec3> vectors(&a);
-  ASSERT_TRUE(vectors.isValid());
-  EXPECT_EQ(vectors.getNum(), 4);
-  vectors[3] = sxVec3(1.0f, 2.0f, 3.0f);
-  EXPECT_EQ(static_cast<float*>(a.getData())[11], 3.0f);
-  sxArray colours(2, sxArray::TYPE_UBYTEVEC4);
-  sxTArray<sxUByteVec4> rgba(&colours);
-  rgba[1] = sxUByteVec4(1, 2, 3, 4);
-  EXPECT_EQ(static_cast<unsigned char*>(colours.getData())[7], 4);
-  EXPECT_FALSE(sxTArray<sxUByteVec3>(&colours).isValid());
-  sxTArray<float> wrong(&a);
-  EXPECT_FALSE(wrong.isValid());
-  EXPECT_EQ(wrong.getNum(), 0);
 }
 
 }  // namespace

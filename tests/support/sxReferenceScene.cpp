@@ -61,22 +61,19 @@ sxArray* referenceArray(int t) {
   const int size = a->getElemSize();
   for (int i = 0; i < numArrayElements; ++i) {
     unsigned char* p = static_cast<unsigned char*>(a->getData()) + i * size;
-    auto put = [p](const auto& v) { std::memcpy(p, &v, sizeof v); };
+    auto put = [p](int at, const auto& v) { std::memcpy(p + at, &v, sizeof v); };
     const int n = (t + 1) * 1000003 * (i + 1) - 0x12345;
-    if (t == sxArray::TYPE_USHORT) {
-      put(static_cast<unsigned short>(n));
-    } else if (t == sxArray::TYPE_INT) {
-      put(n);
-    } else if (t == sxArray::TYPE_DOUBLE) {
-      put(1.0e100 / double(i + 3) - 3.25);
-    } else if (t == sxArray::TYPE_UBYTEVEC3 || t == sxArray::TYPE_UBYTEVEC4) {
+    if (t == sxArray::TYPE_USHORT)
+      put(0, static_cast<unsigned short>(n));
+    else if (t == sxArray::TYPE_INT)
+      put(0, n);
+    else if (t == sxArray::TYPE_DOUBLE)
+      put(0, 1.0e100 / double(i + 3) - 3.25);
+    else if (t == sxArray::TYPE_UBYTEVEC3 || t == sxArray::TYPE_UBYTEVEC4)
       for (int k = 0; k < size; ++k) p[k] = static_cast<unsigned char>(17 * t + 5 * i + k + 1);
-    } else {
-      for (int k = 0; k < size / 4; ++k) {
-        float v = float(t) * 1.5f + float(i) * -0.25f + float(k) * 1024.125f;
-        std::memcpy(p + 4 * k, &v, 4);
-      }
-    }
+    else
+      for (int k = 0; k < size / 4; ++k)
+        put(4 * k, float(t) * 1.5f + float(i) * -0.25f + float(k) * 1024.125f);
   }
   return a;
 }
@@ -97,8 +94,7 @@ bool same(const V& a, const V& b) {
   sxEntry* e[2] = {scratch.newEntry(scratch.newTag("sxScratch")), scratch.newEntry(0)};
   a.write(e[0]);
   b.write(e[1]);
-  return e[0]->getDataSize() == e[1]->getDataSize() &&
-         std::memcmp(e[0]->getData(), e[1]->getData(), std::size_t(e[0]->getDataSize())) == 0;
+  return sxEntryBytes(e[0]) == sxEntryBytes(e[1]);
 }
 
 bool near(float a, float b) {
