@@ -64,7 +64,7 @@ TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
   EXPECT_EQ(empty.getNum(), 0);  // the count word stays intact
 }
 
-TEST(sxList, InsertAndSetPastTheEndGrowTheCount) {
+TEST(sxList, InsertSetAndSetSizeChangeTheCountAndCopiesCompare) {
   sxList l;
   EXPECT_TRUE(l.insert(10, P(7)));
   EXPECT_EQ(std::tuple(l.getNum(), l[10]), std::tuple(11, P(7)));
@@ -80,10 +80,9 @@ TEST(sxList, InsertAndSetPastTheEndGrowTheCount) {
   sxList big(0);
   big.set(20, P(9));  // from capacity 0: exactly what is needed
   EXPECT_EQ(big.getCapacity(), 21);
-}
 
-TEST(sxList, SetSizeCutsAndCopiesAssignAndCompare) {
-  sxList l;
+  // setSize cuts; copies assign and compare.
+  l.setSize(0);
   for (int i = 1; i <= 6; ++i) l.add(P(i));
   l.setSize(3);
   EXPECT_EQ(l.getCapacity(), 3);
@@ -167,7 +166,7 @@ TEST(sxStack, GrowsByDoublingCountsEveryChangeAndIsBounded) {
 
 // Growing queues, which double and keep their order across the wrap, are
 // tested between two threads (threads/sxThreadQueueTest).
-TEST(sxQueue, BoundedHoldsOneLessThanCapacity) {
+TEST(sxQueue, BoundedHoldsOneLessThanCapacityOverwriteDropsTheOldest) {
   sxRef<sxQueue> q = makeQueue(4, sxQueue::BOUNDED);
   EXPECT_EQ(put(*q, {1, 2, 3, 4}), 3);
   EXPECT_EQ(q->getCount(), 3);
@@ -181,10 +180,8 @@ TEST(sxQueue, BoundedHoldsOneLessThanCapacity) {
     put(*q, {0, 1, 2});
     EXPECT_EQ(drain(*q), (std::vector<int>{0, 1, 2}));
   }
-}
-
-TEST(sxQueue, OverwriteDropsTheOldest) {
-  sxRef<sxQueue> q = makeQueue(4, sxQueue::OVERWRITE);
+  // Overwriting queues hold all four and drop the oldest.
+  q = makeQueue(4, sxQueue::OVERWRITE);
   EXPECT_EQ(put(*q, {1, 2, 3, 4, 5}), 5);
   EXPECT_EQ(q->getCount(), 4);
   int first = 0;

@@ -15,11 +15,9 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
   sxTempDir dir;
   const std::string scenes = dir.path + "/scenes";
   std::filesystem::create_directory(scenes);
-  {
-    sxRef<sxGroup> scene(new sxGroup);
-    scene->setName("found");
-    ASSERT_TRUE(sxLoader::exportFile(scene.get(), (scenes + "/scene.sx").c_str()));
-  }
+  sxRef<sxGroup> scene(new sxGroup);
+  scene->setName("found");
+  ASSERT_TRUE(sxLoader::exportFile(scene.get(), (scenes + "/scene.sx").c_str()));
   sxDeleteFilePaths();
   sxAddFilePath(scenes.c_str());
   sxLoader::setSaveDirectory(dir.path.c_str());
@@ -50,8 +48,7 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
         if (sxLoader::importFile("missing.sx") || sxLoader::getError() != sxLoader::ERROR_NOT_FOUND)
           ++wrong;
         // Into whichever save directory is set at the time.
-        const std::string out = "out" + std::to_string(t);
-        if (root && !sxLoader::exportFile(root.get(), out.c_str())) ++wrong;
+        if (root && !sxLoader::exportFile(root.get(), ("out" + std::to_string(t)).c_str())) ++wrong;
       }
     });
   for (std::thread& w : workers) w.join();

@@ -61,16 +61,14 @@ int importedAttributes(const std::string& path) {
 
 // A group holding an array: no cycles, which a cut file would leave
 // unreachable.
-TEST(HostileFiles, EveryTruncationOfARealFile) {
+TEST(HostileFiles, EveryTruncationOfARealFileAndTheFuzzerFindings) {
   sxTempDir dir;
   sxTestHolder::initClass();
-  {
-    sxRef<sxGroup> g(new sxGroup);
-    auto* h = new sxTestHolder;
-    h->setArray(new sxArray(50, sxArray::TYPE_VEC3));
-    g->addAttribute(h);
-    ASSERT_TRUE(sxLoader::exportFile(g.get(), dir.file("full.sx").c_str()));
-  }
+  sxRef<sxGroup> g(new sxGroup);
+  auto* h = new sxTestHolder;
+  h->setArray(new sxArray(50, sxArray::TYPE_VEC3));
+  g->addAttribute(h);
+  ASSERT_TRUE(sxLoader::exportFile(g.get(), dir.file("full.sx").c_str()));
   const std::vector<unsigned char> bytes = sxReadBytes(dir.file("full.sx"));
   const std::string cut = dir.file("cut.sx");
   for (std::size_t n = 0; n < bytes.size(); n += (n < 1200 ? 1 : 7)) {
@@ -82,6 +80,22 @@ TEST(HostileFiles, EveryTruncationOfARealFile) {
     }
     readEverything(cut);
   }
+
+  // Inputs that the fuzzer found, kept as they were: a compression code that
+  // is neither 0 nor 1 reads the data raw.
+  const std::string path = std::string(SXCORE_TEST_DATA) + "/fuzz-compression-65536.sx";
+  sxFile f;
+  ASSERT_TRUE(f.open(path.c_str(), "r"));
+  int found = 0;
+  for (int i = 0; i < f.getNumEntries(); ++i) found += f.getEntry(i)->getCompression() == 65536;
+  EXPECT_GT(found, 0);
+  readEverything(path);
+
+  // An attribute count larger than the references that follow, with the
+  // data ending inside the next aligned int: reading stops there.
+  testing::internal::CaptureStdout();
+  readEverything(std::string(SXCORE_TEST_DATA) + "/fuzz-attribute-count-hang.sx");
+  testing::internal::GetCapturedStdout();
 }
 
 TEST(HostileFiles, DamagedHeadersAndTables) {
@@ -117,24 +131,6 @@ TEST(HostileFiles, DamagedHeadersAndTables) {
   EXPECT_FALSE(f.readEntry(f.getEntry(1)));
   EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
   EXPECT_EQ(importedAttributes(bad), 0) << "the unreadable object reads as null";
-}
-
-// Inputs that the fuzzer found, kept as they were.
-TEST(HostileFiles, FuzzerFindings) {
-  // A compression code that is neither 0 nor 1 reads the data raw.
-  const std::string path = std::string(SXCORE_TEST_DATA) + "/fuzz-compression-65536.sx";
-  sxFile f;
-  ASSERT_TRUE(f.open(path.c_str(), "r"));
-  int found = 0;
-  for (int i = 0; i < f.getNumEntries(); ++i) found += f.getEntry(i)->getCompression() == 65536;
-  EXPECT_GT(found, 0);
-  readEverything(path);
-
-  // An attribute count larger than the references that follow, with the
-  // data ending inside the next aligned int: reading stops there.
-  testing::internal::CaptureStdout();
-  readEverything(std::string(SXCORE_TEST_DATA) + "/fuzz-attribute-count-hang.sx");
-  testing::internal::GetCapturedStdout();
 }
 
 TEST(HostileFiles, RunLengthStreamsThatOverrun) {
