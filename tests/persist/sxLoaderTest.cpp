@@ -43,7 +43,17 @@ T* make(const char* name) {
   return obj;
 }
 
-TEST(Loader, ExportImportAndAFailedExportThatKeepsTheTarget) {
+TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
+  // The error message's first call (of a process, under ctest) only creates it.
+  const char* initial = sxLoader::getErrorMessage();
+  LoaderAccess::setErrorMessage("first");
+  EXPECT_STREQ(sxLoader::getErrorMessage(), initial ? "first" : "")
+      << "the first call only creates";
+  LoaderAccess::setErrorMessage("second");
+  EXPECT_STREQ(sxLoader::getErrorMessage(), "second");
+  LoaderAccess::setErrorMessage(nullptr);
+  EXPECT_STREQ(sxLoader::getErrorMessage(), "");
+
   sxTempDir dir;
   sxRef<sxGroup> g(make<sxGroup>("scene root"));
   g->addAttribute(make<sxGroup>("child"));
@@ -85,6 +95,27 @@ TEST(Loader, ExportImportAndAFailedExportThatKeepsTheTarget) {
   EXPECT_EQ(dir.count(), 2) << "the temporary file is removed";
   ASSERT_TRUE(sxLoader::exportFile(g.get(), base.c_str()));
   EXPECT_GT(sxReadBytes(base + ".sx").size(), 2000u);
+
+  // Imports that fail.
+  std::filesystem::copy_file(base + ".sx", dir.file("noext"));
+  std::filesystem::create_directory(dir.file("d.dir"));
+  std::filesystem::copy_file(base + ".sx", dir.file("d.dir/noext"));
+  sxWriteBytes(dir.file("text.txt"), std::vector<unsigned char>(200, 'a'));
+  // Entry 0 of a class that does not exist.
+  ASSERT_TRUE(sxWriteFile(dir.file("alien.sx"),
+                          [](sxFile& f) { f.newEntry(f.newTag("sxNoSuchClass"))->writeInt(0); }));
+  // Each case fails differently from the one before it.
+  const std::pair<std::string, sxLoader::LOADER_ERROR> cases[] = {
+      {dir.file("missing.sx"), sxLoader::ERROR_NOT_FOUND},
+      {dir.file("noext"), sxLoader::ERROR_NO_EXTENSION},
+      {dir.file("text.txt"), sxLoader::ERROR_OPEN},
+      {dir.file("d.dir/noext"), sxLoader::ERROR_NO_EXTENSION},  // a dot in a directory
+      {"", sxLoader::ERROR_NOT_FOUND},                          // a null name
+      {dir.file("alien.sx"), sxLoader::ERROR_OPEN}};
+  for (const auto& [path, error] : cases) {
+    EXPECT_EQ(sxLoader::importFile(path.empty() ? nullptr : path.c_str()), nullptr) << path;
+    EXPECT_EQ(sxLoader::getError(), error) << path;
+  }
 }
 
 TEST(Loader, SaveDirectoryAndFileTypes) {
@@ -121,40 +152,6 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   EXPECT_STREQ(sxLoader::getSaveDirectory(), "");
   EXPECT_FALSE(sxLoader::exportFile(nullptr, dir.file("none").c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
-}
-
-TEST(Loader, ImportErrorsAndTheErrorMessage) {
-  sxTempDir dir;
-  ASSERT_TRUE(
-      sxLoader::exportFile(sxRef<sxGroup>(make<sxGroup>("g")).get(), dir.file("g.sx").c_str()));
-  std::filesystem::copy_file(dir.file("g.sx"), dir.file("noext"));
-  std::filesystem::create_directory(dir.file("d.dir"));
-  std::filesystem::copy_file(dir.file("g.sx"), dir.file("d.dir/noext"));
-  sxWriteBytes(dir.file("text.txt"), std::vector<unsigned char>(200, 'a'));
-  // Entry 0 of a class that does not exist.
-  ASSERT_TRUE(sxWriteFile(dir.file("alien.sx"),
-                          [](sxFile& f) { f.newEntry(f.newTag("sxNoSuchClass"))->writeInt(0); }));
-  // Each case fails differently from the one before it.
-  const std::pair<std::string, sxLoader::LOADER_ERROR> cases[] = {
-      {dir.file("missing.sx"), sxLoader::ERROR_NOT_FOUND},
-      {dir.file("noext"), sxLoader::ERROR_NO_EXTENSION},
-      {dir.file("text.txt"), sxLoader::ERROR_OPEN},
-      {dir.file("d.dir/noext"), sxLoader::ERROR_NO_EXTENSION},  // a dot in a directory
-      {"", sxLoader::ERROR_NOT_FOUND},                          // a null name
-      {dir.file("alien.sx"), sxLoader::ERROR_OPEN}};
-  for (const auto& [path, error] : cases) {
-    EXPECT_EQ(sxLoader::importFile(path.empty() ? nullptr : path.c_str()), nullptr) << path;
-    EXPECT_EQ(sxLoader::getError(), error) << path;
-  }
-  // The error message keeps its first-call behaviour.
-  const char* initial = sxLoader::getErrorMessage();
-  LoaderAccess::setErrorMessage("first");
-  EXPECT_STREQ(sxLoader::getErrorMessage(), initial ? "first" : "")
-      << "the first call only creates";
-  LoaderAccess::setErrorMessage("second");
-  EXPECT_STREQ(sxLoader::getErrorMessage(), "second");
-  LoaderAccess::setErrorMessage(nullptr);
-  EXPECT_STREQ(sxLoader::getErrorMessage(), "");
 }
 
 // The plug-in records that are saved with files are loaded again when the
