@@ -29,11 +29,7 @@ class sxTempDir {
   sxTempDir& operator=(const sxTempDir&) = delete;
 
   std::string file(const std::string& name) const { return path + "/" + name; }
-  int count() const {
-    int n = 0;
-    for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(path)) ++n;
-    return n;
-  }
+  int count() const { return int(std::distance(std::filesystem::directory_iterator(path), {})); }
 
   std::string path;
 };
