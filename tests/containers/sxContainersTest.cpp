@@ -84,7 +84,7 @@ std::vector<int> drain(sxQueue& q) {
 
 }  // namespace
 
-TEST(Array, CreationByNameCopiesReferenceCountsAndTypedViews) {
+TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
   sxRef<sxArray> g(sxCreateArray("sxVec3GArray", 4));
   ASSERT_NE(g, nullptr);
   ASSERT_EQ((std::tuple{g->getType(), g->isGrowable(), g->getNum()}),
@@ -143,45 +143,44 @@ TEST(Array, CreationByNameCopiesReferenceCountsAndTypedViews) {
   EXPECT_FALSE(sxTArray<sxUByteVec3>(&colours).isValid());
   sxTArray<float> wrong(g.get());
   EXPECT_EQ((std::tuple{wrong.isValid(), wrong.getNum()}), (std::tuple{false, 0}));
-}
 
-TEST(GrowableArray, GrowIndexAndTheShortMove) {
-  sxGrowableArray g(sxArray::TYPE_INT);
-  g.grow(0);
-  EXPECT_EQ(g.sxArray::getNum(), 1) << "grow(0) leaves capacity 1";
-  g.grow(6);
-  EXPECT_EQ(g.getSize(), 24u);
-  int* p = static_cast<int*>(g.getData());
+  // Growable arrays: grow, index and the short move.
+  sxGrowableArray ints(sxArray::TYPE_INT);
+  ints.grow(0);
+  EXPECT_EQ(ints.sxArray::getNum(), 1) << "grow(0) leaves capacity 1";
+  ints.grow(6);
+  EXPECT_EQ(ints.getSize(), 24u);
+  int* p = static_cast<int*>(ints.getData());
   for (int i = 0; i < 6; ++i) p[i] = 0x01010101 * (i + 1);
-  g.setNum(5);
+  ints.setNum(5);
   int third = 0x03030303, fourth = 0x04040404, fifth = 0x05050505, sixth = 0x06060606;
-  EXPECT_EQ(g.getIndex(&third), 2);
-  EXPECT_EQ(g.getIndex(&sixth), -1) << "only used elements are searched";
+  EXPECT_EQ(ints.getIndex(&third), 2);
+  EXPECT_EQ(ints.getIndex(&sixth), -1) << "only used elements are searched";
   // Removing element 2 of 5 moves numUsed - 2 - 1 = 2 bytes, not elements.
-  g.removeElem(&third);
-  EXPECT_EQ((std::tuple{g.getNum(), p[2], p[3]}), (std::tuple{4, 0x03030404, fourth}));
-  g.removeElem(&fourth);  // the last used element: only the count changes
-  EXPECT_EQ((std::tuple{g.getNum(), p[3]}), (std::tuple{3, fourth}));
-  g.removeElem(&fifth);  // not in use: nothing changes
-  EXPECT_EQ(g.getNum(), 3);
-  g.grow(2);
-  EXPECT_EQ((std::tuple{g.getSize(), static_cast<int*>(g.getData())[1]}),
+  ints.removeElem(&third);
+  EXPECT_EQ((std::tuple{ints.getNum(), p[2], p[3]}), (std::tuple{4, 0x03030404, fourth}));
+  ints.removeElem(&fourth);  // the last used element: only the count changes
+  EXPECT_EQ((std::tuple{ints.getNum(), p[3]}), (std::tuple{3, fourth}));
+  ints.removeElem(&fifth);  // not in use: nothing changes
+  EXPECT_EQ(ints.getNum(), 3);
+  ints.grow(2);
+  EXPECT_EQ((std::tuple{ints.getSize(), static_cast<int*>(ints.getData())[1]}),
             (std::tuple{8u, 0x02020202}))
       << "grow shrinks to the exact size";
-  g.reset();
-  EXPECT_EQ(g.getIndex(&fifth), -1);
+  ints.reset();
+  EXPECT_EQ(ints.getIndex(&fifth), -1);
 
   // A growable array reads with all its elements in use.
   sxFile f;
   sxEntry* e = f.newEntry(f.newTag("T"));
-  sxArray source(4, sxArray::TYPE_DOUBLE);
-  fill(&source);
-  source.write(e);
+  sxArray doubles(4, sxArray::TYPE_DOUBLE);
+  fill(&doubles);
+  doubles.write(e);
   e->reset();
   sxGrowableArray back(4, sxArray::TYPE_DOUBLE);
   back.read(e);
   EXPECT_EQ(back.getNum(), 4);
-  EXPECT_EQ(bytes(back), bytes(source));
+  EXPECT_EQ(bytes(back), bytes(doubles));
 }
 
 TEST(sxIterator, CyclesFrameCountsPausingAndSharedTotals) {
