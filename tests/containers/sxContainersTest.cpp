@@ -209,11 +209,9 @@ TEST(sxIterator, CyclesFrameCountsPausingAndSharedTotals) {
   It shared;
   shared.setNumItems(4);
   shared.setTime(2.0f);
-  EXPECT_FLOAT_EQ(shared.getItemTime(3), 0.5f);
-  EXPECT_EQ(shared.getItemTime(4), 0.0f);
+  EXPECT_EQ(std::tuple(shared.getItemTime(3), shared.getItemTime(4)), std::tuple(0.5f, 0.0f));
   shared.setItemTime(0.25f);
-  EXPECT_EQ(shared.getTime(), 0.0f);
-  EXPECT_FLOAT_EQ(shared.getItemTime(0), 0.25f);
+  EXPECT_EQ(std::tuple(shared.getTime(), shared.getItemTime(0)), std::tuple(0.0f, 0.25f));
   shared.setItemTime(6, 1.0f);  // grows the per-item array
   EXPECT_FLOAT_EQ(shared.getItemTime(6), 1.0f);
   shared.setMode(It::FRAMES);
@@ -267,8 +265,7 @@ TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
   d->reset();
   It damaged;
   damaged.read(d);
-  EXPECT_EQ(damaged.getItemTime(0), 2.0f);
-  EXPECT_EQ(damaged.getItemTime(1), 0.0f);
+  EXPECT_EQ(std::tuple(damaged.getItemTime(0), damaged.getItemTime(1)), std::tuple(2.0f, 0.0f));
 }
 
 TEST(sxList, SearchesFindTheHighestIndexAndRemovalsKeepOrWaiveOrder) {
@@ -301,11 +298,8 @@ TEST(sxList, InsertSetAndSetSizeChangeTheCountAndCopiesCompare) {
   EXPECT_TRUE(l.insert(0, P(1)));
   EXPECT_EQ(std::tuple(l.getNum(), l[11]), std::tuple(12, P(7)));
   EXPECT_FALSE(l.insert(-1, P(1)));
-  EXPECT_TRUE(l.insert(1, P(2)));
-  EXPECT_EQ(l[12], P(7));
-  EXPECT_TRUE(l.set(20, P(6)));
-  EXPECT_EQ(l.getNum(), 21);
-  EXPECT_TRUE(l.set(0, P(0)));
+  EXPECT_TRUE(l.insert(1, P(2)) && l[12] == P(7));
+  EXPECT_TRUE(l.set(20, P(6)) && l.set(0, P(0)));
   EXPECT_EQ(l.getNum(), 21);
   sxList big(0);
   big.set(20, P(9));  // from capacity 0: exactly what is needed
@@ -375,10 +369,9 @@ TEST(sxStack, GrowsByDoublingCountsEveryChangeAndIsBounded) {
   s.push(P(2));
   EXPECT_EQ(std::tuple(s.getCapacity(), s.getNum(), s.getTop()), std::tuple(2, 2, P(2)));
   s.setTop(P(3));
-  EXPECT_EQ(s.pop(), P(3));
-  EXPECT_EQ(s.pop(), P(1));
-  EXPECT_EQ(s.pop(), nullptr);  // harmless on empty
-  EXPECT_EQ(s.getTopIndex(), -1);
+  EXPECT_EQ((std::tuple{s.pop(), s.pop(), s.pop(), s.getTopIndex()}),
+            (std::tuple<void*, void*, void*, int>{P(3), P(1), nullptr, -1}))
+      << "popping an empty stack is harmless";
   s.setTop(P(9));  // empty: no data
   EXPECT_EQ(s.getTop(), nullptr);
   s.reset();
@@ -398,13 +391,11 @@ TEST(sxStack, GrowsByDoublingCountsEveryChangeAndIsBounded) {
 // tested between two threads (threads/sxThreadQueueTest).
 TEST(sxQueue, BoundedAndOverwritingQueuesAndTheirCopies) {
   sxRef<sxQueue> q = makeQueue(4, sxQueue::BOUNDED);
-  EXPECT_EQ(put(*q, {1, 2, 3, 4}), 3);
-  EXPECT_EQ(q->getCount(), 3);
+  EXPECT_EQ((std::tuple{put(*q, {1, 2, 3, 4}), q->getCount()}), (std::tuple{3, 3}));
   EXPECT_EQ(drain(*q), (std::vector<int>{1, 2, 3}));
   EXPECT_FALSE(q->put(nullptr));
   int v = 0;
-  EXPECT_FALSE(q->get(&v));
-  EXPECT_FALSE(q->get(nullptr));
+  EXPECT_FALSE(q->get(&v) || q->get(nullptr));
   // Wrapping around the buffer keeps the order.
   for (int round = 0; round < 5; ++round) {
     put(*q, {0, 1, 2});
@@ -412,8 +403,7 @@ TEST(sxQueue, BoundedAndOverwritingQueuesAndTheirCopies) {
   }
   // Overwriting queues hold all four and drop the oldest.
   q = makeQueue(4, sxQueue::OVERWRITE);
-  EXPECT_EQ(put(*q, {1, 2, 3, 4, 5}), 5);
-  EXPECT_EQ(q->getCount(), 4);
+  EXPECT_EQ((std::tuple{put(*q, {1, 2, 3, 4, 5}), q->getCount()}), (std::tuple{5, 4}));
   EXPECT_TRUE(q->sample(&v) && v == 2) << "the oldest, 1, is dropped";
   EXPECT_EQ(put(*q, {6}), 1);
   EXPECT_EQ(drain(*q), (std::vector<int>{3, 4, 5, 6}));
@@ -427,11 +417,10 @@ TEST(sxQueue, BoundedAndOverwritingQueuesAndTheirCopies) {
   EXPECT_EQ(q->getCount(), 3);  // the source is untouched
   sxQueue assigned(8, 1);
   assigned = *q;
-  EXPECT_EQ(assigned.getElementSize(), int(sizeof(int)));
-  EXPECT_EQ(drain(assigned), (std::vector<int>{3, 4, 5}));
+  EXPECT_EQ(std::tuple(assigned.getElementSize(), drain(assigned)),
+            std::tuple(int(sizeof(int)), std::vector<int>{3, 4, 5}));
   q->reset();
-  EXPECT_EQ(q->getCount(), 0);
-  EXPECT_FALSE(q->sample(&v));
+  EXPECT_EQ((std::tuple{q->getCount(), q->sample(&v)}), (std::tuple{0, false}));
   sxQueue tiny(0, 0);
   EXPECT_EQ(std::tuple(tiny.getElementSize(), tiny.getCapacity()), std::tuple(1, 1));
 }
