@@ -95,7 +95,6 @@ TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
   EXPECT_EQ(sxCreateArray("sxVec5Array", 3), nullptr);
   EXPECT_EQ(sxCreateArray(nullptr, 3), nullptr);
   EXPECT_EQ(sxArray::getElemSize(sxArray::DATA_TYPE(9)), 0);
-
   std::size_t before = sxMemory::getSize();
   auto* a = new sxArray(5, sxArray::TYPE_VEC2);
   fill(a);
@@ -119,7 +118,6 @@ TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
   copy.setSize(0);
   assigned.setSize(0);
   EXPECT_EQ(sxMemory::getSize(), before) << "the last unRef freed the array";
-
   sxRef<sxArray> c(sxCreateArrayCopy("sxIntGArray", nullptr));
   ASSERT_NE(c, nullptr);
   EXPECT_EQ(c->getNum(), 0);
@@ -130,7 +128,6 @@ TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
   c = sxCreateArrayCopy("sxUShortArray", &source);
   EXPECT_EQ((std::tuple{c->getType(), c->getNum()}), (std::tuple{sxArray::TYPE_USHORT, 3}));
   EXPECT_EQ(bytes(*c), bytes(source, 6)) << "as many bytes as fit";
-
   // Typed views of arrays of their own element type only.
   sxTArray<sxVec3> vectors(g.get());
   EXPECT_EQ((std::tuple{vectors.isValid(), vectors.getNum()}), (std::tuple{true, 4}));
@@ -143,7 +140,6 @@ TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
   EXPECT_FALSE(sxTArray<sxUByteVec3>(&colours).isValid());
   sxTArray<float> wrong(g.get());
   EXPECT_EQ((std::tuple{wrong.isValid(), wrong.getNum()}), (std::tuple{false, 0}));
-
   // Growable arrays: grow, index and the short move.
   sxGrowableArray ints(sxArray::TYPE_INT);
   ints.grow(0);
@@ -169,7 +165,6 @@ TEST(Array, CreationCopiesReferenceCountsTypedViewsAndGrowableArrays) {
       << "grow shrinks to the exact size";
   ints.reset();
   EXPECT_EQ(ints.getIndex(&fifth), -1);
-
   // A growable array reads with all its elements in use.
   sxFile f;
   sxEntry* e = f.newEntry(f.newTag("T"));
@@ -204,7 +199,6 @@ TEST(sxIterator, CyclesFrameCountsPausingAndSharedTotals) {
   EXPECT_EQ(run(it, 2), (std::vector<int>{0, 0}));
   it.resume();
   EXPECT_EQ(it.update(), 1);
-
   // Totals are shared by the items.
   It shared;
   shared.setNumItems(4);
@@ -236,7 +230,6 @@ TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
   it.setItemFrameCount(1, 7);  // set individually: not kept by a file
   it.update();
   it.pause();
-
   sxFile f;
   sxEntry* e = f.newEntry(f.newTag("T"));
   it.write(e);
@@ -254,7 +247,6 @@ TEST(IteratorPersistence, RecordsRoundTripAndDamagedOnesStayInBounds) {
             std::tuple(3, 2, 9, 0.25f));
   EXPECT_EQ(back.getItemFrameCount(1), 3) << "refilled from the total";
   EXPECT_EQ(e->getCursor(), e->getDataSize());
-
   // A damaged record: far more item times than the entry holds.
   sxEntry* d = f.newEntry(f.newTag("T"));
   for (int i = 0; i < 4; ++i) d->writeByte(0);
@@ -304,7 +296,6 @@ TEST(sxList, InsertSetAndSetSizeChangeTheCountAndCopiesCompare) {
   sxList big(0);
   big.set(20, P(9));  // from capacity 0: exactly what is needed
   EXPECT_EQ(big.getCapacity(), 21);
-
   // setSize cuts; copies assign and compare.
   l.setSize(0);
   for (int i = 1; i <= 6; ++i) l.add(P(i));
@@ -378,7 +369,6 @@ TEST(sxStack, GrowsByDoublingCountsEveryChangeAndIsBounded) {
   EXPECT_EQ(short(s.getID() - id), 8);  // two pushes, setTop, three pops, setTop, reset
   for (int i = 0; i < 70000; ++i) s.reset();
   EXPECT_EQ(std::uint16_t(s.getID() - id), std::uint16_t(70008)) << "the counter wraps";
-
   for (int i = 0; i < sxStack::maxElements; ++i) ASSERT_TRUE(s.push(P(i + 1)));
   EXPECT_FALSE(s.push(P(1)));
   EXPECT_EQ(std::tuple(s.getNum(), s.getTop()),
@@ -407,7 +397,6 @@ TEST(sxQueue, BoundedAndOverwritingQueuesAndTheirCopies) {
   EXPECT_TRUE(q->sample(&v) && v == 2) << "the oldest, 1, is dropped";
   EXPECT_EQ(put(*q, {6}), 1);
   EXPECT_EQ(drain(*q), (std::vector<int>{3, 4, 5, 6}));
-
   // Copies hold the source's records, oldest first.
   q = makeQueue(3, sxQueue::OVERWRITE);
   put(*q, {1, 2, 3, 4, 5});  // holds 3 4 5, wrapped

@@ -21,7 +21,6 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
   sxDeleteFilePaths();
   sxAddFilePath(scenes.c_str());
   sxLoader::setSaveDirectory(dir.path.c_str());
-
   std::atomic<bool> stop{false};
   std::atomic<int> found{0}, wrong{0};
   std::thread editor([&] {

@@ -80,7 +80,6 @@ TEST(HostileFiles, EveryTruncationOfARealFileAndTheFuzzerFindings) {
     }
     readEverything(cut);
   }
-
   // Inputs that the fuzzer found, kept as they were: a compression code that
   // is neither 0 nor 1 reads the data raw.
   const std::string path = std::string(SXCORE_TEST_DATA) + "/fuzz-compression-65536.sx";
@@ -90,7 +89,6 @@ TEST(HostileFiles, EveryTruncationOfARealFileAndTheFuzzerFindings) {
   for (int i = 0; i < f.getNumEntries(); ++i) found += f.getEntry(i)->getCompression() == 65536;
   EXPECT_GT(found, 0);
   readEverything(path);
-
   // An attribute count larger than the references that follow, with the
   // data ending inside the next aligned int: reading stops there.
   testing::internal::CaptureStdout();
@@ -117,7 +115,6 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
   const std::pair<std::size_t, std::uint32_t> tables[] = {
       {72, 0}, {72, 0x7FFFFFFF}, {72, 0x80000000}, {76, 0x7FFFFFFF}, {96 + 68, 5}};
   for (auto [at, value] : tables) EXPECT_EQ(openDamaged(at, value), sxFile::ERR_READ) << at;
-
   // Directory records: a tag index past the table, raw data taken as a
   // stream, an unknown compression, a size past the end of the file, a
   // negative offset and, last, an offset past the end. The file opens; the
@@ -134,7 +131,6 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
   // So does an object whose name length reaches past its entry.
   EXPECT_EQ(openDamaged(sxGet32(good, record(1) + 8), 1000000), sxFile::ERR_NONE);
   EXPECT_EQ(importedAttributes(bad), 0);
-
   // References out of range and to the array's entry read as null.
   std::string path = handMade(dir, "refs.sx", {1, 3, -7, 2, 0x7FFFFFFF, 1});
   sxRef<sxBase> root(sxLoader::importFile(path.c_str()));

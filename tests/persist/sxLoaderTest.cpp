@@ -53,7 +53,6 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   EXPECT_STREQ(sxLoader::getErrorMessage(), "second");
   LoaderAccess::setErrorMessage(nullptr);
   EXPECT_STREQ(sxLoader::getErrorMessage(), "");
-
   sxTempDir dir;
   sxRef<sxGroup> g(make<sxGroup>("scene root"));
   g->addAttribute(make<sxGroup>("child"));
@@ -64,7 +63,6 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   EXPECT_EQ(dir.count(), 1) << "no temporary file is left";
   ASSERT_TRUE(sxLoader::exportFile(g.get(), (base + ".SX").c_str()));
   EXPECT_EQ(sxReadBytes(base + ".sx"), sxReadBytes(base + ".SX")) << "the extension's case is kept";
-
   sxBase* back = sxLoader::importFile((base + ".sx").c_str());
   ASSERT_NE(back, nullptr);
   EXPECT_EQ(back->getRefCount(), 0) << "handed over unreferenced";
@@ -76,7 +74,6 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   ASSERT_NE(typed, nullptr);
   EXPECT_STREQ(typed->getName(), "scene root");
   EXPECT_EQ(sxTestHolder::import((base + ".sx").c_str()), nullptr) << "not of that class";
-
   // An export that fails leaves an existing file as it was; the limit on
   // the file size makes the data write fail after the header went out.
   std::vector<unsigned char> before = sxReadBytes(base + ".sx");
@@ -95,7 +92,6 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   EXPECT_EQ(dir.count(), 2) << "the temporary file is removed";
   ASSERT_TRUE(sxLoader::exportFile(g.get(), base.c_str()));
   EXPECT_GT(sxReadBytes(base + ".sx").size(), 2000u);
-
   // Imports that fail.
   std::filesystem::copy_file(base + ".sx", dir.file("noext"));
   std::filesystem::create_directory(dir.file("d.dir"));
@@ -126,7 +122,6 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   sxRef<sxGroup> g(make<sxGroup>("g"));
   ASSERT_TRUE(sxLoader::exportFile(g.get(), "a.sx"));
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/a.sx")));
-
   // A non-group class needs a file type, also when an extension is given.
   sxTestHolder::initClass();
   sxRef<sxTestHolder> h(new sxTestHolder);
@@ -143,7 +138,6 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.sxh")));
   ASSERT_TRUE(sxLoader::exportFile(h.get(), "holder.bin"));
   EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.bin")));
-
   // A save directory that does not exist: the file cannot be created.
   sxLoader::setSaveDirectory(dir.file("missing").c_str());
   EXPECT_FALSE(sxLoader::exportFile(g.get(), "a"));

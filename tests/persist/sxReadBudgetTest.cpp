@@ -47,7 +47,6 @@ TEST(ReadBudget, EntriesSharingOneCompressedBlockCannotInflateTheReader) {
   // Under 100 KB on disk, and 100 x 8.6 MB once decoded.
   const std::string path = zeroBomb(dir, 100, 8600000);
   ASSERT_LT(sxReadBytes(path).size(), std::size_t(100000));
-
   const std::size_t before = sxMemory::getSize();
   {
     sxFile f;
@@ -63,7 +62,6 @@ TEST(ReadBudget, EntriesSharingOneCompressedBlockCannotInflateTheReader) {
     EXPECT_NE(std::string(f.getErrorMessage()).find("MiB"), std::string::npos);
     EXPECT_LT(peak, std::size_t(256) << 20);
   }
-
   const int objects = sxBase::getNum(false);
   EXPECT_EQ(sxLoader::importFile(path.c_str()), nullptr);
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);

@@ -139,7 +139,6 @@ bool writePrimitiveFile(const char* path) {
   e->writeChunk(chunkText, 8);
   e->writeShort(0x0102);
   e->setVersion(0x01020006);
-
   sxEntry* rle = file.newEntry(file.newTag("sxRunLength"));
   const std::vector<unsigned char> bytes = runLengthBytes();
   rle->writeChunk(bytes.data(), int(bytes.size()));
@@ -176,7 +175,6 @@ int checkPrimitiveFile(const char* path, bool& swapped, std::string& out) {
   r.check(e->readChunk(chunk, 8) == 8 && std::memcmp(chunk, chunkText, 8) == 0, "chunk");
   r.check(e->readShort() == 0x0102, "trailing short");
   r.check(e->readInt() == -1, "end of data");
-
   sxEntry* rle = file.findEntry("sxRunLength");
   r.check(rle && rle->getCompression() == sxEntry::RUN_LENGTH, "run-length entry not compressed");
   r.check(rle && file.readEntry(rle), "run-length entry unreadable");
