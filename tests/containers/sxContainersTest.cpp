@@ -12,8 +12,7 @@ namespace {
 
 using Bytes = std::vector<unsigned char>;
 
-// Element bytes that differ in every position, so that a swap or shift
-// shows.
+// Element bytes that differ in every position, so that a swap or shift shows.
 void fill(sxArray* a) {
   auto* p = static_cast<unsigned char*>(a->getData());
   for (unsigned i = 0; i < a->getSize(); ++i) p[i] = static_cast<unsigned char>(i * 13 + 1);

@@ -12,9 +12,8 @@
 #include "support/sxReferenceScene.h"
 #include "support/sxTestFiles.h"
 
-// The layout of the header, tags, directory and values (alignment, byte
-// order) is guarded by the reference files of the byte-order test; here the
-// operations and errors of files and the ends of entry data.
+// The layout of files and values is guarded by the reference files (ByteOrder);
+// the other tests check the operations and errors of files and entries.
 namespace {
 
 void checkDirectory(const std::string& dir, bool writtenBigEndian) {
@@ -40,11 +39,9 @@ void writeThree(const std::string& path) {
   }));
 }
 
-// Reference files that a big-endian machine (s390x) and a little-endian one
-// really wrote, and ones written here: the values, the sharing, the cycles
-// and the run-length entry. The CI step .ci/bigendian.sh also hands in
-// freshly written ones through SXCORE_BIGENDIAN_DIR and checks the reverse
-// direction on s390x.
+// Reference files that an s390x and an x86-64 machine wrote, and ones written
+// here. .ci/bigendian.sh also hands in fresh s390x ones through
+// SXCORE_BIGENDIAN_DIR, and checks the reverse direction on s390x.
 TEST(ByteOrder, FilesWrittenHereAndOnBigAndLittleEndianMachines) {
   checkDirectory(std::string(SXCORE_TEST_DATA) + "/s390x", true);
   if (const char* fresh = std::getenv("SXCORE_BIGENDIAN_DIR")) checkDirectory(fresh, true);
@@ -194,9 +191,8 @@ class Entry : public testing::Test {
   sxEntry* e = file.newEntry(file.newTag("sxTest"));
 };
 
-// At the end every reader returns its end value and leaves the cursor; a
-// value that would reach past the data counts as past the end, also when
-// the cursor is inside it, and runs stop element by element.
+// At the end every reader returns its end value and leaves the cursor, also
+// for a value that would reach past the data; runs stop element by element.
 TEST_F(Entry, ReadersAtTheEndReturnTheirEndValuesAndStay) {
   for (unsigned char b : {1, 2, 3}) e->writeByte(b);
   e->reset();

@@ -2,6 +2,7 @@
 #include <sx/sxCore.h>
 
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -9,9 +10,8 @@
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
 
-// Damaged and hostile files: each gives its error code or a null result,
-// never an access out of bounds, a hang, a leak or a crash (the suite also
-// runs under AddressSanitizer).
+// Damaged and hostile files give their error code or a null result, never an
+// access out of bounds, a hang, a leak or a crash (checked under ASan too).
 namespace {
 
 // Where the directory record of an entry starts in a file of two tags;
@@ -34,9 +34,8 @@ void readEverything(const std::string& path) {
   if (root && root->getRefCount() > 1) sxKeepCycle(root.get());
 }
 
-// A file with a root object (entry 0) that refers to refs, claiming
-// `count` attributes (by default as many) and followed by `trailing` zero
-// bytes; one more plain object (entry 1) and an array entry (entry 2).
+// A root (entry 0) referring to refs, claiming `count` attributes and followed
+// by `trailing` zero bytes; a plain object (entry 1) and an array (entry 2).
 std::string handMade(const sxTempDir& dir, const char* name, const std::vector<int>& refs,
                      int count = -1, int trailing = 0) {
   std::string path = dir.file(name);
@@ -115,10 +114,9 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
   const std::pair<std::size_t, std::uint32_t> tables[] = {
       {72, 0}, {72, 0x7FFFFFFF}, {72, 0x80000000}, {76, 0x7FFFFFFF}, {96 + 68, 5}};
   for (auto [at, value] : tables) EXPECT_EQ(openDamaged(at, value), sxFile::ERR_READ) << at;
-  // Directory records: a tag index past the table, raw data taken as a
-  // stream, an unknown compression, a size past the end of the file, a
-  // negative offset and, last, an offset past the end. The file opens; the
-  // entries fail to load or read as null objects.
+  // Directory records: a tag index past the table, raw data taken as a stream,
+  // an unknown compression, a size past the end, a negative offset and, last,
+  // an offset past the end: the file opens, the entries fail or read as null.
   const std::pair<std::size_t, std::uint32_t> records[] = {
       {4, 77}, {12, 1}, {12, 65536}, {16, 0x7FFFFFFF}, {8, 0xFFFFFF00}, {8, 0x7FFFFF00}};
   for (auto [field, value] : records)
@@ -159,10 +157,8 @@ TEST(HostileFiles, RunLengthStreamsThatOverrun) {
     sxFile f;
     EXPECT_TRUE(f.open(path.c_str(), "r"));
     const bool ok = f.readEntry(f.getEntry(1));
-    if (ok)
-      EXPECT_EQ(f.getEntry(1)->getDataSize(), int(dataSize));
-    else
-      EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
+    EXPECT_TRUE(ok ? f.getEntry(1)->getDataSize() == int(dataSize)
+                   : f.getLastError() == sxFile::ERR_READ);
     return ok;
   };
   EXPECT_TRUE(streamFile({4, 'a', 2, 'b', 0}, 6));
@@ -173,9 +169,8 @@ TEST(HostileFiles, RunLengthStreamsThatOverrun) {
   EXPECT_TRUE(streamFile({2, 'a', 0}, 4)) << "a short stream leaves zeros";
 }
 
-// An array reference to an object's entry, an object reference to an
-// array's entry, an array of an unknown type or with more elements than its
-// entry holds.
+// An array reference to an object's entry, an object reference to an array's,
+// an array of an unknown type or with more elements than its entry holds.
 TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
   sxTempDir dir;
   sxTestHolder::initClass();
@@ -183,14 +178,11 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
   ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
     int holder = f.newTag("sxTestHolder");
     int array = f.newTag("sxArray");
-    sxEntry* root = f.newEntry(holder);
-    sxWriteObject(root, nullptr, {1, 2, 3, 4});
-    root->writeInt(-1);  // no array of its own
-    // Holders whose array references point at entries 5 (unknown type),
+    // The root has no array; its holders' arrays are entries 5 (unknown type),
     // 6 (too many elements), 0 (an object) and 7 (a good, dynamic array).
-    for (int ref : {5, 6, 0, 7}) {
+    for (int ref : {-1, 5, 6, 0, 7}) {
       sxEntry* h = f.newEntry(holder);
-      sxWriteObject(h, nullptr, {});
+      sxWriteObject(h, nullptr, ref < 0 ? std::vector<int>{1, 2, 3, 4} : std::vector<int>{});
       h->writeInt(ref);
     }
     const int arrays[3][3] = {
@@ -213,9 +205,8 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
   for (int i = 0; i < 3; ++i) EXPECT_EQ(arrayOf(i), nullptr) << i;
   sxArray* a = arrayOf(3);
   ASSERT_NE(a, nullptr);
-  EXPECT_TRUE(a->isDynamic());
-  EXPECT_EQ(static_cast<int*>(a->getData())[0], 42);
-  EXPECT_EQ(a->getRefCount(), 1);
+  EXPECT_EQ((std::tuple{a->isDynamic(), static_cast<int*>(a->getData())[0], a->getRefCount()}),
+            (std::tuple{true, 42, 1}));
 }
 
 }  // namespace

@@ -14,9 +14,9 @@
 
 namespace {
 
-// A root object (entry 0) that refers to `copies` further plain objects.
-// Entry 1 holds `zeros` bytes of zeros, run-length encoded (about 1/127 of
-// that on disk); each further entry claims those very bytes again.
+// A root (entry 0) referring to `copies` plain objects; entry 1 holds `zeros`
+// zero bytes run-length encoded (about 1/127 of that on disk), and each
+// further entry claims those very bytes again.
 std::string zeroBomb(const sxTempDir& dir, int copies, int zeros) {
   const std::string path = dir.file("bomb.sx");
   sxWriteFile(path, [&](sxFile& f) {

@@ -34,8 +34,7 @@ struct Report {
 };
 
 // Opens a reference file, tells whether it came from a machine of the other
-// byte order and loads the first entry of that tag; null, noted, when the
-// file does not open or the entry is missing or unreadable.
+// byte order and loads the first entry of that tag; null, noted, on failure.
 sxEntry* openReference(sxFile& file, const char* path, const char* tag, bool& swapped, Report& r) {
   bool ok = file.open(path, "r");
   r.check(ok, std::string(path) + " does not open");
@@ -83,10 +82,9 @@ sxBase* named(sxBase* obj, const char* name) {
   return obj;
 }
 
-// Every math value but the frustum's is given bit for bit, so the reader
-// compares the records this machine writes of the two exactly; the frustum
-// is computed, and machines may round its arithmetic differently, so the
-// reader compares it with its own within a tolerance (a number read in the
+// Math values are given bit for bit, so the records this machine writes of
+// two must be equal; but the frustum is computed, and machines may round it
+// differently, so it is compared within a tolerance (a number read in the
 // wrong byte order is far off).
 template <class V>
 bool same(const V& a, const V& b) {

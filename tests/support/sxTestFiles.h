@@ -67,9 +67,8 @@ bool sxWriteFile(const std::string& path, Fill fill) {
   return f.write();
 }
 
-// The record of a plain object: its name (none for null), no flags, the
-// number of its attributes (by default that of refs) and their directory
-// numbers.
+// The record of a plain object: its name (none for null), no flags, its
+// attribute count (by default that of refs) and their directory numbers.
 inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& refs,
                           int count = -1) {
   e->writeInt(name ? int(std::strlen(name)) + 1 : 0);
