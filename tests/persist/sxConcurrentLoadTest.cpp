@@ -37,12 +37,11 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
       for (int i = 0; i < 150; ++i) {
         // Found through the path, or not while the editor has just emptied it.
         sxRef<sxBase> root(sxLoader::importFile("scene.sx"));
-        if (root ? sxLoader::getError() == sxLoader::ERROR_NONE &&
-                       std::string(root->getName()) == "found"
-                 : sxLoader::getError() == sxLoader::ERROR_NOT_FOUND)
-          found += root != nullptr;
-        else
-          ++wrong;
+        const bool right = root ? sxLoader::getError() == sxLoader::ERROR_NONE &&
+                                      std::string(root->getName()) == "found"
+                                : sxLoader::getError() == sxLoader::ERROR_NOT_FOUND;
+        found += root && right;
+        wrong += !right;
         // Each thread's own failure stays its own.
         if (sxLoader::importFile("missing.sx") || sxLoader::getError() != sxLoader::ERROR_NOT_FOUND)
           ++wrong;

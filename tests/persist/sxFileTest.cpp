@@ -120,17 +120,14 @@ TEST(File, RemovedEntriesAndEntriesByHandle) {
   int t = f.newTag("T");
   sxEntry* e[3];
   for (int i = 0; i < 3; ++i) e[i] = f.newEntry(t);
-  EXPECT_TRUE(f.removeEntry(e[0]));
+  EXPECT_TRUE(f.removeEntry(e[0]) && f.removeEntry(nullptr));
   ASSERT_EQ(f.getNumEntries(), 2);
-  EXPECT_EQ(f.getEntry(0), e[2]) << "the last moves into the hole";
-  EXPECT_EQ(e[2]->getDirNum(), 2) << "the stored dirNum is not changed";
-  EXPECT_EQ(f.findNextEntry(t, e[2]), e[1]);
-  EXPECT_TRUE(f.removeEntry(nullptr));
+  EXPECT_EQ((std::tuple{f.getEntry(0), e[2]->getDirNum(), f.findNextEntry(t, e[2])}),
+            (std::tuple{e[2], 2, e[1]}))
+      << "the last moves into the hole; its stored dirNum is not changed";
   // An entry of another file leaves that file.
   sxFile other;
-  sxEntry* foreign = other.newEntry(other.newTag("X"));
-  EXPECT_TRUE(f.removeEntry(foreign));
-  EXPECT_EQ(other.getNumEntries(), 0);
+  EXPECT_TRUE(f.removeEntry(other.newEntry(other.newTag("X"))) && other.getNumEntries() == 0);
   int objects[3];
   auto find = [&](int i) { return f.findEntry(static_cast<const void*>(&objects[i])); };
   auto withHandle = [&](int i) {
