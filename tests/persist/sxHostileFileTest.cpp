@@ -95,7 +95,7 @@ TEST(HostileFiles, EveryTruncationOfARealFileAndTheFuzzerFindings) {
   testing::internal::GetCapturedStdout();
 }
 
-TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
+TEST(HostileFiles, DamagedHeadersTablesRecordsReferencesAndStreams) {
   sxTempDir dir;
   const std::vector<unsigned char> good = sxReadBytes(handMade(dir, "base.sx", {1}));
   const std::string bad = dir.file("bad.sx");
@@ -123,8 +123,7 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
     EXPECT_EQ(openDamaged(record(1) + field, value), sxFile::ERR_NONE) << field;
   sxFile f;
   ASSERT_TRUE(f.open(bad.c_str(), "r"));
-  EXPECT_FALSE(f.readEntry(f.getEntry(1)));
-  EXPECT_EQ(f.getLastError(), sxFile::ERR_READ);
+  EXPECT_TRUE(!f.readEntry(f.getEntry(1)) && f.getLastError() == sxFile::ERR_READ);
   EXPECT_EQ(importedAttributes(bad), 0) << "the unreadable object reads as null";
   // So does an object whose name length reaches past its entry.
   EXPECT_EQ(openDamaged(sxGet32(good, record(1) + 8), 1000000), sxFile::ERR_NONE);
@@ -132,30 +131,25 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsAndReferences) {
   // References out of range and to the array's entry read as null.
   std::string path = handMade(dir, "refs.sx", {1, 3, -7, 2, 0x7FFFFFFF, 1});
   sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
-  ASSERT_NE(root, nullptr);
-  ASSERT_EQ(sxNumAttributes(root.get()), 2);
+  ASSERT_TRUE(root && sxNumAttributes(root.get()) == 2);
   EXPECT_EQ(sxAttribute(root.get(), 0), sxAttribute(root.get(), 1));
   // A huge attribute count ends with the data, also when the data end in
   // the middle of an aligned int.
   for (int trailing : {0, 2})
     EXPECT_EQ(importedAttributes(handMade(dir, "count.sx", {1}, 0x7FFFFFFF, trailing)), 1)
         << trailing;
-}
-
-TEST(HostileFiles, RunLengthStreamsThatOverrun) {
-  sxTempDir dir;
+  // Run-length streams that overrun, as the plain object's data.
   auto streamFile = [&](std::vector<unsigned char> stream, std::uint32_t dataSize) {
-    std::string path = handMade(dir, "rle.sx", {});
-    std::vector<unsigned char> bytes = sxReadBytes(path);
+    std::vector<unsigned char> bytes = good;
     std::uint32_t offset = std::uint32_t(bytes.size());
     sxPut32(bytes, offset, std::uint32_t(stream.size()));
     bytes.insert(bytes.end(), stream.begin(), stream.end());
     sxPut32(bytes, record(1) + 8, offset);
     sxPut32(bytes, record(1) + 12, 1);
     sxPut32(bytes, record(1) + 16, dataSize);
-    sxWriteBytes(path, bytes);
+    sxWriteBytes(bad, bytes);
     sxFile f;
-    EXPECT_TRUE(f.open(path.c_str(), "r"));
+    EXPECT_TRUE(f.open(bad.c_str(), "r"));
     const bool ok = f.readEntry(f.getEntry(1));
     EXPECT_TRUE(ok ? f.getEntry(1)->getDataSize() == int(dataSize)
                    : f.getLastError() == sxFile::ERR_READ);

@@ -26,6 +26,8 @@ SX_IMPLEMENT_CLASS(sxTestHidden, sxBase, sxType)
 
 namespace {
 
+namespace fs = std::filesystem;
+
 // Access to the protected error message of the loader layer.
 struct LoaderAccess : sxLoader {
   using sxLoader::setErrorMessage;
@@ -54,8 +56,8 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   std::string base = dir.file("scene");
   ASSERT_TRUE(sxLoader::exportFile(g.get(), base.c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);
-  EXPECT_TRUE(std::filesystem::exists(base + ".sx")) << "groups get the extension sx";
-  EXPECT_EQ(dir.count(), 1) << "no temporary file is left";
+  EXPECT_TRUE(fs::exists(base + ".sx") && dir.count() == 1)
+      << "groups get the extension sx; no temporary file is left";
   ASSERT_TRUE(sxLoader::exportFile(g.get(), (base + ".SX").c_str()));
   EXPECT_EQ(sxReadBytes(base + ".sx"), sxReadBytes(base + ".SX")) << "the extension's case is kept";
   sxBase* back = sxLoader::importFile((base + ".sx").c_str());
@@ -85,9 +87,9 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
   ASSERT_TRUE(sxLoader::exportFile(g.get(), base.c_str()));
   EXPECT_GT(sxReadBytes(base + ".sx").size(), 2000u);
   // Imports that fail.
-  std::filesystem::copy_file(base + ".sx", dir.file("noext"));
-  std::filesystem::create_directory(dir.file("d.dir"));
-  std::filesystem::copy_file(base + ".sx", dir.file("d.dir/noext"));
+  fs::copy_file(base + ".sx", dir.file("noext"));
+  fs::create_directory(dir.file("d.dir"));
+  fs::copy_file(base + ".sx", dir.file("d.dir/noext"));
   sxWriteBytes(dir.file("text.txt"), std::vector<unsigned char>(200, 'a'));
   // Entry 0 of a class that does not exist.
   ASSERT_TRUE(sxWriteFile(dir.file("alien.sx"),
@@ -108,13 +110,12 @@ TEST(Loader, ExportImportTheirErrorsAndAFailedExportThatKeepsTheTarget) {
 
 TEST(Loader, SaveDirectoryAndFileTypes) {
   sxTempDir dir;
-  std::filesystem::create_directory(dir.file("out"));
+  fs::create_directory(dir.file("out"));
   sxLoader::setSaveDirectory(dir.file("out").c_str());
   std::shared_ptr<void> restore(nullptr, [](void*) { sxLoader::setSaveDirectory(nullptr); });
   EXPECT_EQ(std::string(sxLoader::getSaveDirectory()), dir.file("out") + "/");
   sxRef<sxGroup> g(make<sxGroup>("g"));
-  ASSERT_TRUE(sxLoader::exportFile(g.get(), "a.sx"));
-  EXPECT_TRUE(std::filesystem::exists(dir.file("out/a.sx")));
+  EXPECT_TRUE(sxLoader::exportFile(g.get(), "a.sx") && fs::exists(dir.file("out/a.sx")));
   // A non-group class needs a file type, also when an extension is given.
   sxTestHolder::initClass();
   sxRef<sxTestHolder> h(new sxTestHolder);
@@ -127,10 +128,9 @@ TEST(Loader, SaveDirectoryAndFileTypes) {
   EXPECT_EQ(sxLoader::getNumSolmaxFileTypes(), before + 1);
   EXPECT_STREQ(sxLoader::getSolmaxFileType(before), "sxh");
   EXPECT_EQ(sxLoader::getSolmaxFileType(before + 1), nullptr);
-  ASSERT_TRUE(sxLoader::exportFile(h.get(), "holder"));
-  EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.sxh")));
-  ASSERT_TRUE(sxLoader::exportFile(h.get(), "holder.bin"));
-  EXPECT_TRUE(std::filesystem::exists(dir.file("out/holder.bin")));
+  EXPECT_TRUE(sxLoader::exportFile(h.get(), "holder") && fs::exists(dir.file("out/holder.sxh")));
+  EXPECT_TRUE(sxLoader::exportFile(h.get(), "holder.bin") &&
+              fs::exists(dir.file("out/holder.bin")));
   // A save directory that does not exist: the file cannot be created.
   sxLoader::setSaveDirectory(dir.file("missing").c_str());
   EXPECT_FALSE(sxLoader::exportFile(g.get(), "a"));
@@ -166,11 +166,10 @@ TEST(Loader, PlugInListInSceneFiles) {
   EXPECT_NE(messages.find("Error loading plug-in: SXTESTMISSING.DLL \n"), std::string::npos);
   EXPECT_EQ(messages.find("SXTESTUNSAVED"), std::string::npos)
       << "a record not to be saved was saved";
-  ASSERT_TRUE(back && again);
-  EXPECT_STREQ(again->getName(), "g");
+  EXPECT_STREQ(back && again ? again->getName() : nullptr, "g");
 }
 
-TEST(ObjectPersistence, UnwritableAttributesAreSkipped) {
+TEST(ObjectPersistence, UnwritableAttributesAndReadingWithoutAnEntry) {
   sxRef<sxBase> root(make("root"));
   root->addAttribute(new sxTestHidden);
   root->addAttribute(make("kept"));
@@ -185,6 +184,18 @@ TEST(ObjectPersistence, UnwritableAttributesAreSkipped) {
   expected->writeInt(-1);
   EXPECT_EQ(sxEntryBytes(e), sxEntryBytes(expected));
   sxTestHidden::getClassType()->setWritable(true);
+  // Without an entry, an object reads the first entry of its class.
+  sxTempDir dir;
+  const std::string path = dir.file("scene.sx");
+  ASSERT_TRUE(sxReference::writeSceneFile(path.c_str()));
+  // Declared before the file: the file lets go of its objects first.
+  sxRef<sxTestHolder> h(new sxTestHolder);
+  sxRef<sxEvent> event(new sxEvent);
+  sxFile scene;
+  ASSERT_TRUE(scene.open(path.c_str(), "r"));
+  EXPECT_EQ(h->read(&scene, nullptr), scene.findEntry("sxTestHolder"));
+  EXPECT_STREQ(h->getName(), "array0");
+  EXPECT_EQ(event->read(&scene, nullptr), nullptr) << "no entry of that class";
 }
 
 // A chain far deeper than writing and reading recurse keeps every object, its
@@ -226,21 +237,6 @@ TEST(ObjectPersistence, DeepChainsRoundTrip) {
   }
   EXPECT_EQ(n, length);
   EXPECT_EQ(reader.getNumEntries(), length + 1) << "each object once";
-}
-
-// Without an entry, an object reads the first entry of its class.
-TEST(ObjectPersistence, ReadWithoutAnEntryTakesTheFirstOfItsClass) {
-  sxTempDir dir;
-  const std::string path = dir.file("scene.sx");
-  ASSERT_TRUE(sxReference::writeSceneFile(path.c_str()));
-  // Declared before the file: the file lets go of its objects first.
-  sxRef<sxTestHolder> h(new sxTestHolder);
-  sxRef<sxEvent> e(new sxEvent);
-  sxFile f;
-  ASSERT_TRUE(f.open(path.c_str(), "r"));
-  EXPECT_EQ(h->read(&f, nullptr), f.findEntry("sxTestHolder"));
-  EXPECT_STREQ(h->getName(), "array0");
-  EXPECT_EQ(e->read(&f, nullptr), nullptr) << "no entry of that class";
 }
 
 }  // namespace

@@ -27,9 +27,8 @@ struct Report {
   std::string& out;
   int failures = 0;
   void check(bool ok, const std::string& what) {
-    if (ok) return;
-    ++failures;
-    out += what + '\n';
+    if (!ok) out += what + '\n';
+    failures += !ok;
   }
 };
 
@@ -119,30 +118,29 @@ bool same(const sxFrustum& a, const sxFrustum& b) {
 }  // namespace
 
 bool writePrimitiveFile(const char* path) {
-  sxFile file;
-  if (!file.create(path)) return false;
-  sxEntry* e = file.newEntry(file.newTag("sxPrimitives"));
-  e->writeByte(0xA5);
-  e->writeShort(-12345);
-  e->writeInt(-123456789);
-  e->writeBool(true);
-  e->writeFloat(3.14159274f);
-  e->writeDouble(-2.718281828459045);
-  const int ints[3] = {1, -2, 0x7FFFFFFF};
-  e->writeInts(ints, 3);
-  const float floats[2] = {0.5f, -1.0e30f};
-  e->writeFloats(floats, 2);
-  e->writeInt(int(std::strlen("Solmax")) + 1);
-  e->writeString("Solmax");
-  e->writeChunk(chunkText, 8);
-  e->writeShort(0x0102);
-  e->setVersion(0x01020006);
-  sxEntry* rle = file.newEntry(file.newTag("sxRunLength"));
-  const std::vector<unsigned char> bytes = runLengthBytes();
-  rle->writeChunk(bytes.data(), int(bytes.size()));
-  rle->writeInt(0x11223344);
-  rle->setCompression(sxEntry::RUN_LENGTH);
-  return file.write();
+  return sxWriteFile(path, [](sxFile& file) {
+    sxEntry* e = file.newEntry(file.newTag("sxPrimitives"));
+    e->writeByte(0xA5);
+    e->writeShort(-12345);
+    e->writeInt(-123456789);
+    e->writeBool(true);
+    e->writeFloat(3.14159274f);
+    e->writeDouble(-2.718281828459045);
+    const int ints[3] = {1, -2, 0x7FFFFFFF};
+    e->writeInts(ints, 3);
+    const float floats[2] = {0.5f, -1.0e30f};
+    e->writeFloats(floats, 2);
+    e->writeInt(int(std::strlen("Solmax")) + 1);
+    e->writeString("Solmax");
+    e->writeChunk(chunkText, 8);
+    e->writeShort(0x0102);
+    e->setVersion(0x01020006);
+    sxEntry* rle = file.newEntry(file.newTag("sxRunLength"));
+    const std::vector<unsigned char> bytes = runLengthBytes();
+    rle->writeChunk(bytes.data(), int(bytes.size()));
+    rle->writeInt(0x11223344);
+    rle->setCompression(sxEntry::RUN_LENGTH);
+  });
 }
 
 int checkPrimitiveFile(const char* path, bool& swapped, std::string& out) {
@@ -258,11 +256,10 @@ int checkSceneFile(const char* path, bool& swapped, std::string& out) {
 }
 
 bool writeMathFile(const char* path) {
-  sxFile file;
-  if (!file.create(path)) return false;
-  sxEntry* e = file.newEntry(file.newTag(mathTag));
-  eachMathValue([e](const auto& value, const char*) { value.write(e); });
-  return file.write();
+  return sxWriteFile(path, [](sxFile& file) {
+    sxEntry* e = file.newEntry(file.newTag(mathTag));
+    eachMathValue([e](const auto& value, const char*) { value.write(e); });
+  });
 }
 
 int checkMathFile(const char* path, bool& swapped, std::string& out) {

@@ -4,6 +4,7 @@
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
 
+#include <stdlib.h>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -11,8 +12,6 @@
 #include <iterator>
 #include <string>
 #include <vector>
-
-#include <stdlib.h>
 
 // A fresh directory for one test, removed with everything in it.
 class sxTempDir {
