@@ -15,15 +15,12 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
   sxTempDir dir;
   const std::string scenes = dir.path + "/scenes";
   std::filesystem::create_directory(scenes);
-  {
-    sxRef<sxGroup> scene(new sxGroup);
-    scene->setName("found");
-    ASSERT_TRUE(sxLoader::exportFile(scene.get(), (scenes + "/scene.sx").c_str()));
-  }
+  sxRef<sxGroup> scene(new sxGroup);
+  scene->setName("found");
+  ASSERT_TRUE(sxLoader::exportFile(scene.get(), (scenes + "/scene.sx").c_str()));
   sxDeleteFilePaths();
   sxAddFilePath(scenes.c_str());
   sxLoader::setSaveDirectory(dir.path.c_str());
-
   std::atomic<bool> stop{false};
   std::atomic<int> found{0}, wrong{0};
   std::thread editor([&] {
@@ -40,18 +37,16 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
       for (int i = 0; i < 150; ++i) {
         // Found through the path, or not while the editor has just emptied it.
         sxRef<sxBase> root(sxLoader::importFile("scene.sx"));
-        if (root ? sxLoader::getError() == sxLoader::ERROR_NONE &&
-                       std::string(root->getName()) == "found"
-                 : sxLoader::getError() == sxLoader::ERROR_NOT_FOUND)
-          found += root != nullptr;
-        else
-          ++wrong;
+        const bool right = root ? sxLoader::getError() == sxLoader::ERROR_NONE &&
+                                      std::string(root->getName()) == "found"
+                                : sxLoader::getError() == sxLoader::ERROR_NOT_FOUND;
+        found += root && right;
+        wrong += !right;
         // Each thread's own failure stays its own.
         if (sxLoader::importFile("missing.sx") || sxLoader::getError() != sxLoader::ERROR_NOT_FOUND)
           ++wrong;
         // Into whichever save directory is set at the time.
-        const std::string out = "out" + std::to_string(t);
-        if (root && !sxLoader::exportFile(root.get(), out.c_str())) ++wrong;
+        if (root && !sxLoader::exportFile(root.get(), ("out" + std::to_string(t)).c_str())) ++wrong;
       }
     });
   for (std::thread& w : workers) w.join();

@@ -47,24 +47,13 @@ inline sxFrustum frustum() {
   return f;
 }
 
-template <class V>
-void fillTable(sxInterpTable<V>& t, const V& a, const V& b) {
+// A table of two keys, added out of order.
+template <class T, class V>
+T table(const V& a, const V& b) {
+  T t;
   t.add(0.5f, b);
   t.add(-1.5f, a);
-}
-
-struct Tables {
-  sxFloatInterpTable floats;
-  sxVec3InterpTable vec3s;
-  sxVec4InterpTable vec4s;
-  sxQuatInterpTable quats;
-};
-
-inline void fillTables(Tables& t) {
-  fillTable(t.floats, 10.0f, -20.5f);
-  fillTable(t.vec3s, vec3, sxVec3(-1.0f, 0.5f, 2.0f));
-  fillTable(t.vec4s, vec4, sxVec4(4.0f, 3.0f, 2.0f, 1.0f));
-  fillTable(t.quats, sxQuat(0.0f, 0.0f, 0.0f, 1.0f), sxQuat(0.5f, -0.5f, 0.5f, 0.5f));
+  return t;
 }
 
 }  // namespace math
@@ -85,12 +74,11 @@ void eachMathValue(F&& f) {
   f(plane(), "sxPlane");
   f(ray(), "sxRay");
   f(frustum(), "sxFrustum");
-  Tables t;
-  fillTables(t);
-  f(t.floats, "sxFloatInterpTable");
-  f(t.vec3s, "sxVec3InterpTable");
-  f(t.vec4s, "sxVec4InterpTable");
-  f(t.quats, "sxQuatInterpTable");
+  f(table<sxFloatInterpTable>(10.0f, -20.5f), "sxFloatInterpTable");
+  f(table<sxVec3InterpTable>(vec3, sxVec3(-1.0f, 0.5f, 2.0f)), "sxVec3InterpTable");
+  f(table<sxVec4InterpTable>(vec4, sxVec4(4.0f, 3.0f, 2.0f, 1.0f)), "sxVec4InterpTable");
+  f(table<sxQuatInterpTable>(sxQuat(0.0f, 0.0f, 0.0f, 1.0f), sxQuat(0.5f, -0.5f, 0.5f, 0.5f)),
+    "sxQuatInterpTable");
 }
 
 }  // namespace sxReference

@@ -16,33 +16,30 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "usage: %s write|check DIR [expect-swapped|expect-native]\n", argv[0]);
     return 2;
   }
-  std::string dir = argv[2];
-  std::string primitives = dir + "/" + sxReference::primitiveFileName;
-  std::string scene = dir + "/" + sxReference::sceneFileName;
-  std::string math = dir + "/" + sxReference::mathFileName;
+  const std::string dir = std::string(argv[2]) + "/";
   std::printf("machine: %s-endian\n", sxReference::isBigEndian() ? "big" : "little");
   if (std::strcmp(argv[1], "write") == 0) {
-    bool ok = sxReference::writePrimitiveFile(primitives.c_str()) &&
-              sxReference::writeSceneFile(scene.c_str()) &&
-              sxReference::writeMathFile(math.c_str());
+    bool ok = true;
+    for (const auto& file : sxReference::files) ok = ok && file.write((dir + file.name).c_str());
     std::printf("%s\n", ok ? "written" : "writing failed");
     return ok ? 0 : 1;
   }
   if (std::strcmp(argv[1], "check") != 0) return 2;
+  const bool wantSwapped = argc > 3 && std::strcmp(argv[3], "expect-swapped") == 0;
   std::string report;
-  bool swappedPrimitives = false, swappedScene = false, swappedMath = false;
-  int failures = sxReference::checkPrimitiveFile(primitives.c_str(), swappedPrimitives, report) +
-                 sxReference::checkSceneFile(scene.c_str(), swappedScene, report) +
-                 sxReference::checkMathFile(math.c_str(), swappedMath, report);
-  if (argc > 3) {
-    bool wantSwapped = std::strcmp(argv[3], "expect-swapped") == 0;
-    if (swappedPrimitives != wantSwapped || swappedScene != wantSwapped ||
-        swappedMath != wantSwapped) {
-      report += "byte order of the files is not the expected one\n";
-      ++failures;
-    }
+  int failures = 0;
+  bool wrongOrder = false, sceneSwapped = false;
+  for (const auto& file : sxReference::files) {
+    bool swapped = false;
+    failures += file.check((dir + file.name).c_str(), swapped, report);
+    wrongOrder = wrongOrder || (argc > 3 && swapped != wantSwapped);
+    if (file.check == sxReference::checkSceneFile) sceneSwapped = swapped;
   }
-  std::printf("files are %s\n", swappedScene ? "byte-swapped" : "native");
+  if (wrongOrder) {
+    report += "byte order of the files is not the expected one\n";
+    ++failures;
+  }
+  std::printf("files are %s\n", sceneSwapped ? "byte-swapped" : "native");
   std::fputs(report.c_str(), stdout);
   std::printf("%d failure(s)\n", failures);
   return failures == 0 ? 0 : 1;

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <sx/object/sxBase.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
+
+#include <stdlib.h>
 #include <cstdint>
 #include <cstring>
 #include <filesystem>
@@ -8,16 +13,12 @@
 #include <string>
 #include <vector>
 
-#include <stdlib.h>
-
 // A fresh directory for one test, removed with everything in it.
 class sxTempDir {
  public:
   sxTempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "sxfilesXXXXXX").string();
-    std::vector<char> buf(pattern.begin(), pattern.end());
-    buf.push_back(0);
-    path = mkdtemp(buf.data()) ? buf.data() : "";
+    path = mkdtemp(pattern.data()) ? pattern : "";
   }
   ~sxTempDir() {
     std::error_code ec;
@@ -27,11 +28,7 @@ class sxTempDir {
   sxTempDir& operator=(const sxTempDir&) = delete;
 
   std::string file(const std::string& name) const { return path + "/" + name; }
-  int count() const {
-    int n = 0;
-    for ([[maybe_unused]] auto& e : std::filesystem::directory_iterator(path)) ++n;
-    return n;
-  }
+  int count() const { return int(std::distance(std::filesystem::directory_iterator(path), {})); }
 
   std::string path;
 };
@@ -46,6 +43,10 @@ inline void sxWriteBytes(const std::string& path, const std::vector<unsigned cha
   out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
 }
 
+inline std::vector<unsigned char> sxEntryBytes(const sxEntry* e) {
+  return {e->getData(), e->getData() + e->getDataSize()};
+}
+
 // Little-endian number access for building and inspecting files by hand.
 inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at) {
   return std::uint32_t(b[at]) | std::uint32_t(b[at + 1]) << 8 | std::uint32_t(b[at + 2]) << 16 |
@@ -54,4 +55,33 @@ inline std::uint32_t sxGet32(const std::vector<unsigned char>& b, std::size_t at
 inline void sxPut32(std::vector<unsigned char>& b, std::size_t at, std::uint32_t v) {
   if (b.size() < at + 4) b.resize(at + 4);
   for (int i = 0; i < 4; ++i) b[at + i] = static_cast<unsigned char>(v >> (8 * i));
+}
+
+// Creates the file, lets fill add its entries and writes it.
+template <class Fill>
+bool sxWriteFile(const std::string& path, Fill fill) {
+  sxFile f;
+  if (!f.create(path.c_str())) return false;
+  fill(f);
+  return f.write();
+}
+
+// The record of a plain object: its name (none for null), no flags, its
+// attribute count (by default that of refs) and their directory numbers.
+inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& refs,
+                          int count = -1) {
+  e->writeInt(name ? int(std::strlen(name)) + 1 : 0);
+  e->writeString(name);
+  e->writeShort(0);
+  e->writeInt(count < 0 ? int(refs.size()) : count);
+  for (int r : refs) e->writeInt(r);
+}
+
+// Attribute i of an object, null where there is none.
+inline sxBase* sxAttribute(const sxBase* obj, int i) {
+  const sxTList<sxBase*>* list = obj->getAttribList();
+  return list && list->indexInRange(i) ? (*list)[i] : nullptr;
+}
+inline int sxNumAttributes(const sxBase* obj) {
+  return obj->getAttribList() ? obj->getAttribList()->getNum() : 0;
 }
