@@ -287,6 +287,11 @@ TEST(sxList, InsertSetAndSetSizeChangeTheCountAndCopiesCompare) {
   EXPECT_EQ(l.getNum(), 21);
   sxList big(0);
   EXPECT_TRUE(big.set(20, P(9)) && big.getCapacity() == 21) << "from capacity 0: just enough";
+  sxList gap;
+  for (int i = 1; i <= 6; ++i) gap.add(P(i));
+  for (int i = 0; i < 3; ++i) gap.checkRemoveLast();
+  EXPECT_TRUE(gap.insert(5, P(9)) && gap.set(8, P(8)));
+  EXPECT_EQ(values(gap), (Values{1, 2, 3, 0, 0, 9, 0, 0, 8})) << "skipped slots: null, not old";
   // setSize cuts; copies assign and compare.
   l.setSize(0);
   for (int i = 1; i <= 6; ++i) l.add(P(i));
