@@ -247,9 +247,6 @@ bool sxFile::readTables() {
   }
   ok = ok && readAt(headerSize + std::int64_t(tagBytes), raw, dirBytes);
   entries.setSize(int(n));
-  // Reading makes at most one object per entry; the directory's size in the
-  // file bounds this.
-  state->heldObjects.reserve(std::size_t(n));
   for (int i = 0; ok && i < n; ++i) {
     const unsigned char* r = raw + std::size_t(i) * directoryRecordSize;
     void* place = state->allocateEntry(sizeof(sxEntry));
@@ -599,9 +596,13 @@ sxBase* sxiFileAccess::createForTag(sxFile* file, int tag) {
 }
 
 std::size_t sxiFileAccess::hold(sxFile* file, sxBase* obj) {
+  auto& held = file->state->heldObjects;
+  // Reading makes at most one object per entry: room for all at once, taken
+  // only by a file that reads objects (not by one opened to look up an entry).
+  if (held.empty()) held.reserve(std::size_t(file->getNumEntries()) + 1);
   obj->ref();
-  file->state->heldObjects.push_back(obj);
-  return file->state->heldObjects.size() - 1;
+  held.push_back(obj);
+  return held.size() - 1;
 }
 
 bool sxiFileAccess::overBudget(sxFile* file) {
