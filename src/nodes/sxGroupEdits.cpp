@@ -2,7 +2,7 @@
 #include <sx/object/sxRef.h>
 #include <sx/viewing/sxScene.h>
 
-#include <array>
+#include <algorithm>
 #include <cstddef>
 
 #include "nodes/sxGroupEdits.h"
@@ -39,25 +39,35 @@ void sxiGroupEdits::addedToWalk(sxGroup* node, sxGroup* parent) {
     sxGroup* parent;
     int next;  // the next child to walk, counting down
   };
-  // The walk is as deep as the sub-graph; typical graphs fit the buffer.
-  std::array<std::byte, 64 * sizeof(Frame)> buffer;
-  std::pmr::monotonic_buffer_resource arena(buffer.data(), buffer.size());
-  std::pmr::vector<Frame> stack(&arena);
-  stack.reserve(64);
-  stack.push_back({node, parent, node->children.getNum() - 1});
-  while (!stack.empty()) {
-    Frame& f = stack.back();
+  // The walk is as deep as the sub-graph: typical graphs fit the frames on
+  // the stack, deeper ones continue on the heap.
+  constexpr int localFrames = 48;
+  Frame local[localFrames];
+  std::vector<Frame, sxAllocator<Frame>> deep;
+  Frame* frames = local;
+  int capacity = localFrames;
+  int top = 0;
+  frames[0] = {node, parent, node->children.getNum() - 1};
+  while (top >= 0) {
+    Frame& f = frames[top];
     // An addedTo override may have edited the list meanwhile.
-    if (f.next >= f.node->children.getNum()) f.next = f.node->children.getNum() - 1;
+    const int num = f.node->children.getNum();
+    if (f.next >= num) f.next = num - 1;
     if (f.next >= 0) {
       sxGroup* child = f.node->children[f.next--];
-      sxGroup* from = f.node;
-      stack.push_back({child, from, child->children.getNum() - 1});
+      const Frame next{child, f.node, child->children.getNum() - 1};
+      if (top + 1 == capacity) {
+        deep.resize(std::size_t(capacity) * 2);
+        if (frames == local) std::copy(local, local + localFrames, deep.begin());
+        frames = deep.data();
+        capacity = int(deep.size());
+      }
+      frames[++top] = next;
       continue;
     }
     sxGroup* n = f.node;
     sxGroup* p = f.parent;
-    stack.pop_back();
+    --top;
     n->addedTo(p);
   }
 }
@@ -78,6 +88,9 @@ bool sxiGroupEdits::attach(sxGroup* parent, int index, sxGroup* child) {
 
 bool sxiGroupEdits::isAncestor(const sxGroup* ancestor, const sxGroup* node) {
   if (!ancestor || !node) return false;
+  // A node without children is nobody's ancestor: attaching new leaves
+  // costs no walk.
+  if (ancestor->children.getNum() == 0) return ancestor == node;
   return walkUp(node, [ancestor](const sxGroup* g) { return g == ancestor; });
 }
 
@@ -85,8 +98,10 @@ bool sxiGroupEdits::refusesChild(const sxGroup* parent, const sxGroup* child) {
   return !child || child == parent || child->parents.contains(parent) || isAncestor(child, parent);
 }
 
-bool sxiGroupEdits::refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode) {
-  if (!newNode || newNode == old || isAncestor(newNode, old) || isAncestor(old, newNode))
+bool sxiGroupEdits::refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode,
+                                     bool allowDescendant) {
+  if (!newNode || newNode == old || isAncestor(newNode, old) ||
+      (!allowDescendant && isAncestor(old, newNode)))
     return true;
   for (int i = 0; i < old->parents.getNum(); ++i)
     if (newNode->parents.contains(old->parents.get(i))) return true;
@@ -190,7 +205,7 @@ bool sxGroup::replace(sxGroup* other) {
 }
 
 bool sxGroup::replaceGraph(sxGroup* other) {
-  if (sxiGroupEdits::refusesInPlaceOf(this, other)) return false;
+  if (sxiGroupEdits::refusesInPlaceOf(this, other, true)) return false;
   sxRef<sxGroup> self(this);
   sxRef<sxGroup> keep(other);
   while (parents.getNum() > 0)

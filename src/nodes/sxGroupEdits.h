@@ -3,7 +3,6 @@
 #include <sx/nodes/sxGroup.h>
 
 #include <cstddef>
-#include <memory_resource>
 #include <unordered_set>
 #include <vector>
 
@@ -32,9 +31,12 @@ struct sxiGroupEdits {
   // with the added-to walk, and old is told and released.
   static void takeSlot(sxGroup* parent, sxGroup* old, sxGroup* newNode, bool orderedRemoval);
   // True when attaching newNode in old's place under old's parents would
-  // break the graph: a null node, old itself, a cycle either way, or a
-  // parent of old that already has newNode as a child.
-  static bool refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode);
+  // break the graph: a null node, old itself, an ancestor of old (a cycle),
+  // a descendant of old unless allowed (when old keeps its children, it
+  // no longer lies above), or a parent of old that already has newNode as
+  // a child.
+  static bool refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode,
+                               bool allowDescendant = false);
   // Withdraws node from the direct-call lists of every scene at a root
   // above parent.
   static void withdrawFromScenes(sxGroup* parent, sxGroup* node);

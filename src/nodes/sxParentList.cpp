@@ -12,9 +12,7 @@ std::size_t blockBytes(int capacity) {
 
 }  // namespace
 
-int sxParentList::getIndex(const sxGroup* p) const {
-  if (!word) return -1;
-  if (!isBlock()) return single() == p ? 0 : -1;
+int sxParentList::getBlockIndex(const sxGroup* p) const {
   const Block* b = block();
   for (int i = b->num - 1; i >= 0; --i)
     if (b->items[i] == p) return i;

@@ -25,7 +25,10 @@ class SX_API sxParentList {
   /// Precondition: 0 <= i < getNum().
   sxGroup* get(int i) const { return isBlock() ? block()->items[i] : single(); }
   /// Index of the last occurrence of p, or -1.
-  int getIndex(const sxGroup* p) const;
+  int getIndex(const sxGroup* p) const {
+    if (!isBlock()) return word && single() == p ? 0 : -1;
+    return getBlockIndex(p);
+  }
   bool contains(const sxGroup* p) const { return getIndex(p) >= 0; }
   /// Appends p; false (nothing changed) when memory is exhausted.
   bool add(sxGroup* p);
@@ -49,6 +52,7 @@ class SX_API sxParentList {
   sxGroup* single() const { return reinterpret_cast<sxGroup*>(word); }
   Block* block() const { return reinterpret_cast<Block*>(word & ~blockTag); }
   void removeAt(int i, bool ordered);
+  int getBlockIndex(const sxGroup* p) const;
 
   std::uintptr_t word = 0;
 };
