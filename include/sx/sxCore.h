@@ -41,6 +41,7 @@
 #include <sx/nodes/sxGroup.h>
 #include <sx/nodes/sxGroupType.h>
 #include <sx/nodes/sxListener.h>
+#include <sx/nodes/sxParentList.h>
 #include <sx/nodes/sxRangeSwitch.h>
 #include <sx/nodes/sxSwitch.h>
 #include <sx/nodes/sxTransform.h>

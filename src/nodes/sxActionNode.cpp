@@ -2,3 +2,5 @@
 #include <sx/nodes/sxGroupType.h>
 
 SX_DEFINE_CLASS(sxActionNode, sxGroupType)
+
+void sxActionNode::resolveGroup(const sxGroup*, sxGroup*) {}

@@ -1,4 +1,137 @@
+#include <sx/kernel/sxKernel.h>
 #include <sx/nodes/sxGroup.h>
 #include <sx/nodes/sxGroupType.h>
 
+#include <vector>
+
+#include "nodes/sxGroupEdits.h"
+
 SX_DEFINE_CLASS(sxGroup, sxGroupType)
+
+namespace {
+// Set by a dying group just before it tells a child that it is gone, read
+// (and cleared) by the group version of removedFrom. A dying group is a
+// root that no scene can be above, and its own flags no longer matter, so
+// the child skips updating them and telling its sub-graph: taking a chain
+// or a tree down then costs one notification per node, not one per node
+// and ancestor.
+thread_local bool formerParentDying = false;
+}  // namespace
+
+sxGroup::sxGroup(const sxGroup& source) : sxBase(source) {}
+
+sxGroup::~sxGroup() {
+  // A group released while still linked (an unbalanced unRef) must not
+  // leave its parents pointing at freed memory.
+  while (parents.getNum() > 0) {
+    sxGroup* p = parents.get(parents.getNum() - 1);
+    p->children.removeOrdered(this);
+    parents.removeOrdered(p);
+  }
+  for (int i = children.getNum() - 1; i >= 0; --i) {
+    sxGroup* child = children.removeLast();
+    child->parents.removeOrdered(this);
+    formerParentDying = true;
+    child->removedFrom(this);
+    formerParentDying = false;
+    child->unRef();
+  }
+  children.setSize(0);
+}
+
+// --- queries
+
+int sxGroup::getChildIndex(const sxGroup* child) const {
+  return children.getIndex(const_cast<sxGroup*>(child));
+}
+
+bool sxGroup::hasChild(const sxGroup* child) const {
+  // The child's parents list is the short one.
+  return child && child->parents.contains(this);
+}
+
+bool sxGroup::hasDescendant(sxGroup* node) const {
+  return node && node != this && sxiGroupEdits::isAncestor(this, node);
+}
+
+bool sxGroup::hasDescendantOfType(sxType* type) const {
+  std::vector<const sxGroup*, sxAllocator<const sxGroup*>> todo{this};
+  while (!todo.empty()) {
+    const sxGroup* g = todo.back();
+    todo.pop_back();
+    if (g->isOfType(type)) return true;
+    for (int i = 0, n = g->children.getNum(); i < n; ++i) todo.push_back(g->children[i]);
+  }
+  return false;
+}
+
+sxGroup* sxGroup::findGroup(const char* name, const sxGroup* start) {
+  bool found = false;
+  return findGroupRec(name, start, found);
+}
+
+// Pre-order with an explicit stack: a graph of any depth can be searched.
+sxGroup* sxGroup::findGroupRec(const char* name, const sxGroup* start, bool& found) {
+  if (!name) return nullptr;
+  std::vector<sxGroup*, sxAllocator<sxGroup*>> todo{this};
+  while (!todo.empty()) {
+    sxGroup* g = todo.back();
+    todo.pop_back();
+    if (g->getName() && sxStrcmp(name, g->getName(), true) == 0) {
+      if (!start || found) return g;
+      found = true;
+    }
+    for (int i = g->children.getNum() - 1; i >= 0; --i) todo.push_back(g->children[i]);
+  }
+  return nullptr;
+}
+
+// --- flags and notifications
+
+void sxGroup::setNodeFlags(NODE_FLAGS flags) {
+  nodeFlags = std::uint16_t(flags);
+}
+
+bool sxGroup::areChildrenOrdered() const {
+  return false;
+}
+
+void sxGroup::addedTo(sxGroup*) {
+  unsigned bits = (travFlags & TRAV_CONTENT_MASK) | TRAV_FLAG_UPDATE | TRAV_FLAG_ADDED;
+  if (parents.getNum() > 1) bits |= TRAV_FLAG_SHARED;
+  dirtyUp(bits);
+}
+
+void sxGroup::dirtyUp(unsigned bits) {
+  travFlags = std::uint16_t(travFlags | bits);
+  const unsigned flags = travFlags;
+  for (int i = 0; i < parents.getNum(); ++i) {
+    sxGroup* p = parents.get(i);
+    if ((p->travFlags & flags) != flags) p->dirtyUp(flags);
+  }
+}
+
+void sxGroup::cleanUp(unsigned bits) {
+  if (!bits) return;
+  unsigned carried = 0;
+  for (int i = 0, n = children.getNum(); i < n && (bits & ~carried); ++i)
+    carried |= children[i]->travFlags;
+  const unsigned clear = bits & ~carried;
+  if (!clear) return;
+  travFlags = std::uint16_t(travFlags & ~clear);
+  for (int i = 0; i < parents.getNum(); ++i) parents.get(i)->cleanUp(clear);
+}
+
+void sxGroup::removedFrom(sxGroup* parent) {
+  const bool parentDying = formerParentDying;
+  formerParentDying = false;
+  if (parentDying) {
+    addTravFlags(TRAV_FLAG_UPDATE);
+    return;
+  }
+  parent->cleanUp(travFlags & TRAV_CONTENT_MASK);
+  parent->dirtyUp(TRAV_FLAG_UPDATE | TRAV_FLAG_REMOVED);
+  addTravFlags(TRAV_FLAG_UPDATE);
+  sxiGroupEdits::withdrawFromScenes(parent, this);
+  for (int i = 0; i < children.getNum(); ++i) children[i]->removedFrom(parent);
+}

@@ -616,6 +616,14 @@ void sxiFileAccess::failed(sxFile* file, std::size_t held) {
   objects[held] = nullptr;
 }
 
+void sxiFileAccess::drop(sxFile* file, sxBase* obj) {
+  if (!obj || !file->state->dropped.insert(obj).second) return;
+  auto& objects = file->state->heldObjects;
+  // The object was usually read just before its reader saw it.
+  for (std::size_t i = objects.size(); i-- > 0;)
+    if (objects[i] == obj) return failed(file, i);
+}
+
 void sxiFileAccess::hold(sxFile* file, sxArray* array) {
   array->ref();
   file->state->heldArrays.push_back(array);

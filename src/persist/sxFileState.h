@@ -3,6 +3,7 @@
 #include <sx/object/sxMemory.h>
 
 #include <cstdint>
+#include <unordered_set>
 #include <vector>
 
 #include "persist/sxHandleIndex.h"
@@ -84,6 +85,9 @@ struct sxiFileState {
   std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
   std::vector<sxBase*, sxAllocator<sxBase*>> failedObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
+  // Objects a reader dropped (see sxiFileAccess::drop), so that dropping
+  // one again costs no search.
+  std::unordered_set<const sxBase*> dropped;
 
   // Objects are written and read depth-first, one level of recursion per
   // reference. Past maxNesting levels an object's entry is still made (or
@@ -161,6 +165,9 @@ struct sxiFileAccess {
   static void hold(sxFile* file, sxArray* array);
   // The object of that hold could not be read: closing releases it for good.
   static void failed(sxFile* file, std::size_t held);
+  // A reader got obj but does not keep it (a reference of the wrong kind):
+  // closing releases the file's hold for good, as for a failed object.
+  static void drop(sxFile* file, sxBase* obj);
   // True once an entry was refused for passing the budget: the file is
   // hostile, and nothing read from it should be used.
   static bool overBudget(sxFile* file);

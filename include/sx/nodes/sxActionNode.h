@@ -14,4 +14,9 @@ class SX_API sxActionNode : public sxGroup {
   // Called by an event, on the triggering thread, with the triggering object
   // and the event.
   virtual void eventTriggered(sxBase* object, sxEvent* event) = 0;
+
+  /// After a copy or clone of a sub-graph holding this node: from was
+  /// copied to to, so a node that points at from should now point at to.
+  /// Called once per copied node; nothing here.
+  virtual void resolveGroup(const sxGroup* from, sxGroup* to);
 };

@@ -1,0 +1,220 @@
+#include <sx/nodes/sxGroup.h>
+#include <sx/object/sxRef.h>
+#include <sx/viewing/sxScene.h>
+
+#include <array>
+#include <cstddef>
+
+#include "nodes/sxGroupEdits.h"
+
+// --- snapshots
+
+sxiGroupSnapshot::sxiGroupSnapshot(const sxParentList& parents) : items(local), count(0) {
+  if (reserve(parents.getNum())) parents.copyTo(items);
+}
+
+sxiGroupSnapshot::sxiGroupSnapshot(const sxTList<sxGroup*>& children) : items(local), count(0) {
+  if (reserve(children.getNum()))
+    for (int i = 0; i < count; ++i) items[i] = children[i];
+}
+
+sxiGroupSnapshot::~sxiGroupSnapshot() {
+  if (items != local) sxMemory::free(items);
+}
+
+bool sxiGroupSnapshot::reserve(int n) {
+  if (n > int(std::size(local))) {
+    items = static_cast<sxGroup**>(sxMemory::malloc(sizeof(sxGroup*) * std::size_t(n)));
+    if (!items) return false;
+  }
+  count = n;
+  return true;
+}
+
+// --- the shared steps
+
+void sxiGroupEdits::addedToWalk(sxGroup* node, sxGroup* parent) {
+  struct Frame {
+    sxGroup* node;
+    sxGroup* parent;
+    int next;  // the next child to walk, counting down
+  };
+  // The walk is as deep as the sub-graph; typical graphs fit the buffer.
+  std::array<std::byte, 64 * sizeof(Frame)> buffer;
+  std::pmr::monotonic_buffer_resource arena(buffer.data(), buffer.size());
+  std::pmr::vector<Frame> stack(&arena);
+  stack.reserve(64);
+  stack.push_back({node, parent, node->children.getNum() - 1});
+  while (!stack.empty()) {
+    Frame& f = stack.back();
+    // An addedTo override may have edited the list meanwhile.
+    if (f.next >= f.node->children.getNum()) f.next = f.node->children.getNum() - 1;
+    if (f.next >= 0) {
+      sxGroup* child = f.node->children[f.next--];
+      sxGroup* from = f.node;
+      stack.push_back({child, from, child->children.getNum() - 1});
+      continue;
+    }
+    sxGroup* n = f.node;
+    sxGroup* p = f.parent;
+    stack.pop_back();
+    n->addedTo(p);
+  }
+}
+
+bool sxiGroupEdits::attach(sxGroup* parent, int index, sxGroup* child) {
+  child->ref();
+  const bool appended = index == parent->children.getNum();
+  const bool listed =
+      appended ? parent->children.add(child) >= 0 : parent->children.insert(index, child);
+  if (!listed || !child->parents.add(parent)) {
+    if (listed) parent->children.removeOrdered(child);
+    child->unRefNoDelete();
+    return false;
+  }
+  addedToWalk(child, parent);
+  return true;
+}
+
+bool sxiGroupEdits::isAncestor(const sxGroup* ancestor, const sxGroup* node) {
+  if (!ancestor || !node) return false;
+  return walkUp(node, [ancestor](const sxGroup* g) { return g == ancestor; });
+}
+
+bool sxiGroupEdits::refusesChild(const sxGroup* parent, const sxGroup* child) {
+  return !child || child == parent || child->parents.contains(parent) || isAncestor(child, parent);
+}
+
+bool sxiGroupEdits::refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode) {
+  if (!newNode || newNode == old || isAncestor(newNode, old) || isAncestor(old, newNode))
+    return true;
+  for (int i = 0; i < old->parents.getNum(); ++i)
+    if (newNode->parents.contains(old->parents.get(i))) return true;
+  return false;
+}
+
+void sxiGroupEdits::takeSlot(sxGroup* parent, sxGroup* old, sxGroup* newNode, bool orderedRemoval) {
+  const int slot = parent->children.getIndex(old);
+  if (slot < 0 || !newNode->parents.add(parent)) return;
+  parent->children.slot(slot) = newNode;
+  newNode->ref();
+  if (orderedRemoval)
+    old->parents.removeOrdered(parent);
+  else
+    old->parents.removeUnordered(parent);
+  old->removedFrom(parent);
+  addedToWalk(newNode, parent);
+  old->unRef();
+}
+
+void sxiGroupEdits::withdrawFromScenes(sxGroup* parent, sxGroup* node) {
+  if (sxScene::getNumLive() == 0) return;
+  walkUp(parent, [node](const sxGroup* g) {
+    if (g->getNumParents() == 0 && g->isOfType(sxScene::getClassType()))
+      for (int kind = 0; kind < sxScene::numDirectCallKinds; ++kind)
+        const_cast<sxScene*>(static_cast<const sxScene*>(g))->removeDirectCall(kind, node);
+    return false;
+  });
+}
+
+// --- the edits
+
+bool sxGroup::addChild(sxGroup* child) {
+  if (sxiGroupEdits::refusesChild(this, child)) return false;
+  return sxiGroupEdits::attach(this, children.getNum(), child);
+}
+
+bool sxGroup::insertChild(int index, sxGroup* child) {
+  if (index < 0 || index > children.getNum() || sxiGroupEdits::refusesChild(this, child))
+    return false;
+  return sxiGroupEdits::attach(this, index, child);
+}
+
+bool sxGroup::removeChild(sxGroup* child) {
+  if (!child || child == this || !child->parents.contains(this)) return false;
+  children.removeOrdered(child);
+  child->parents.removeOrdered(this);
+  child->removedFrom(this);
+  child->unRef();
+  return true;
+}
+
+bool sxGroup::removeChildren() {
+  // A removedFrom override may edit the list meanwhile.
+  for (int i = children.getNum() - 1; i >= 0; --i)
+    if (i < children.getNum()) removeChild(children[i]);
+  return true;
+}
+
+bool sxGroup::remove() {
+  sxRef<sxGroup> self(this);
+  sxiGroupSnapshot before(parents);
+  if (!before.valid()) return false;
+  if (children.getNum() == 1) {
+    sxGroup* only = children[0];
+    for (int i = 0; i < before.size(); ++i) {
+      // A parent that already has the child keeps it once.
+      if (only->parents.contains(before[i]))
+        before[i]->removeChild(this);
+      else
+        sxiGroupEdits::takeSlot(before[i], this, only, true);
+    }
+  } else {
+    for (int i = 0; i < before.size(); ++i) before[i]->removeChild(this);
+    sxiGroupSnapshot moved(children);
+    for (int i = 0; i < before.size(); ++i)
+      for (int j = 0; j < moved.size(); ++j) before[i]->addChild(moved[j]);
+  }
+  removeChildren();
+  return true;
+}
+
+bool sxGroup::detach() {
+  sxiGroupSnapshot before(parents);
+  if (!before.valid()) return false;
+  for (int i = before.size() - 1; i >= 0; --i) before[i]->removeChild(this);
+  return true;
+}
+
+bool sxGroup::replace(sxGroup* other) {
+  if (sxiGroupEdits::refusesInPlaceOf(this, other)) return false;
+  sxRef<sxGroup> self(this);
+  sxRef<sxGroup> keep(other);
+  while (children.getNum() > 0) {
+    sxGroup* child = children[0];
+    other->addChild(child);
+    removeChild(child);
+  }
+  while (parents.getNum() > 0) sxiGroupEdits::takeSlot(parents.get(0), this, other, false);
+  return true;
+}
+
+bool sxGroup::replaceGraph(sxGroup* other) {
+  if (sxiGroupEdits::refusesInPlaceOf(this, other)) return false;
+  sxRef<sxGroup> self(this);
+  sxRef<sxGroup> keep(other);
+  while (parents.getNum() > 0)
+    sxiGroupEdits::takeSlot(parents.get(parents.getNum() - 1), this, other, false);
+  return true;
+}
+
+bool sxGroup::insertBelow(sxGroup* newNode) {
+  if (!newNode || newNode == this || sxiGroupEdits::isAncestor(newNode, this) ||
+      sxiGroupEdits::isAncestor(this, newNode))
+    return false;
+  sxRef<sxGroup> keep(newNode);
+  sxiGroupSnapshot moved(children);
+  if (!moved.valid()) return false;
+  for (int i = 0; i < moved.size(); ++i) newNode->addChild(moved[i]);
+  removeChildren();
+  return addChild(newNode);
+}
+
+bool sxGroup::insertAbove(sxGroup* newNode) {
+  if (sxiGroupEdits::refusesInPlaceOf(this, newNode)) return false;
+  sxRef<sxGroup> keep(newNode);
+  sxiGroupSnapshot before(parents);
+  if (!before.valid() || !newNode->addChild(this)) return false;
+  for (int i = 0; i < before.size(); ++i) sxiGroupEdits::takeSlot(before[i], this, newNode, true);
+  return true;
+}

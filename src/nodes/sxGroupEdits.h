@@ -1,0 +1,90 @@
+#pragma once
+
+#include <sx/nodes/sxGroup.h>
+
+#include <cstddef>
+#include <memory_resource>
+#include <unordered_set>
+#include <vector>
+
+// The pieces shared by the group's edits, copies and passes. A friend of
+// sxGroup, so that node kinds' overrides stay the only public way in.
+struct sxiGroupEdits {
+  static sxTList<sxGroup*>& children(sxGroup* g) { return g->children; }
+  static sxParentList& parents(sxGroup* g) { return g->parents; }
+
+  // The added-to walk over node's sub-graph, then node->addedTo(parent):
+  // every node below receives addedTo, deepest first, children from the
+  // last to the first. Iterative, so a deep sub-graph cannot exhaust the
+  // stack.
+  static void addedToWalk(sxGroup* node, sxGroup* parent);
+  // Links child below parent at index (index == count appends): the
+  // parent's reference, both lists and the notifications. No checks.
+  static bool attach(sxGroup* parent, int index, sxGroup* child);
+  // True when ancestor is node itself or lies above it, found by walking up
+  // the parents lists only (never down a sub-graph).
+  static bool isAncestor(const sxGroup* ancestor, const sxGroup* node);
+  // True when attaching child below parent would break the graph: a null
+  // node, the parent itself, a duplicate, or a cycle.
+  static bool refusesChild(const sxGroup* parent, const sxGroup* child);
+  // In parent's children, newNode takes old's slot; parent moves from old's
+  // parents (ordered or not) to newNode's, newNode is referenced, notified
+  // with the added-to walk, and old is told and released.
+  static void takeSlot(sxGroup* parent, sxGroup* old, sxGroup* newNode, bool orderedRemoval);
+  // True when attaching newNode in old's place under old's parents would
+  // break the graph: a null node, old itself, a cycle either way, or a
+  // parent of old that already has newNode as a child.
+  static bool refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode);
+  // Withdraws node from the direct-call lists of every scene at a root
+  // above parent.
+  static void withdrawFromScenes(sxGroup* parent, sxGroup* node);
+
+  // Calls visit on from and on each of its ancestors once, until visit
+  // returns true (then true). A plain chain of single parents is followed
+  // without allocating; past the first shared instance a visited set keeps
+  // the walk linear in the number of ancestors.
+  template <class Visit>
+  static bool walkUp(const sxGroup* from, Visit&& visit) {
+    const sxGroup* g = from;
+    for (;;) {
+      if (visit(g)) return true;
+      const int n = g->parents.getNum();
+      if (n == 0) return false;
+      if (n > 1) break;
+      g = g->parents.get(0);
+    }
+    std::vector<const sxGroup*, sxAllocator<const sxGroup*>> todo;
+    std::unordered_set<const sxGroup*> seen{g};
+    for (int i = 0; i < g->parents.getNum(); ++i) todo.push_back(g->parents.get(i));
+    while (!todo.empty()) {
+      const sxGroup* a = todo.back();
+      todo.pop_back();
+      if (!seen.insert(a).second) continue;
+      if (visit(a)) return true;
+      for (int i = 0; i < a->parents.getNum(); ++i) todo.push_back(a->parents.get(i));
+    }
+    return false;
+  }
+};
+
+// A copy of a parents or children list, for edits that change the list
+// they walk. Room for a few nodes on the stack; more go to the heap.
+class sxiGroupSnapshot {
+ public:
+  explicit sxiGroupSnapshot(const sxParentList& parents);
+  explicit sxiGroupSnapshot(const sxTList<sxGroup*>& children);
+  ~sxiGroupSnapshot();
+  sxiGroupSnapshot(const sxiGroupSnapshot&) = delete;
+  sxiGroupSnapshot& operator=(const sxiGroupSnapshot&) = delete;
+  int size() const { return count; }
+  sxGroup* operator[](int i) const { return items[i]; }
+  // False when memory ran out; the snapshot is then empty.
+  bool valid() const { return items != nullptr; }
+
+ private:
+  bool reserve(int n);
+
+  sxGroup* local[8];
+  sxGroup** items;
+  int count;
+};
