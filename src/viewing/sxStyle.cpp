@@ -60,23 +60,6 @@ sxStyle::sxStyle(const sxStyle& source) : sxGroup(source) {
   share(travTraits, source.travTraits);
 }
 
-sxStyle& sxStyle::operator=(const sxStyle& source) {
-  if (this == &source) return *this;
-  sxGroup::operator=(source);
-  // The source's traits are taken before ours are released: they may be the same.
-  sxTList<sxVisualTrait*> v;
-  sxTList<sxAudioTrait*> a;
-  sxTList<sxTravTrait*> t;
-  share(v, source.visualTraits);
-  share(a, source.audioTraits);
-  share(t, source.travTraits);
-  releaseTraits();
-  visualTraits = v;
-  audioTraits = a;
-  travTraits = t;
-  return *this;
-}
-
 sxStyle::~sxStyle() {
   releaseTraits();
 }
@@ -104,6 +87,30 @@ bool sxStyle::removeTrait(sxAudioTrait* trait) {
 }
 bool sxStyle::removeTrait(sxTravTrait* trait) {
   return removeFrom(travTraits, trait);
+}
+
+// A copy or clone of a style shares the traits: they are read-only while
+// traversed.
+sxGroup* sxStyle::copyGroup() const {
+  return copyStyle(false);
+}
+
+sxGroup* sxStyle::cloneGroup() const {
+  return copyStyle(true);
+}
+
+sxGroup* sxStyle::copyStyle(bool cloning) const {
+  auto* node = new sxStyle;
+  if (!node) return nullptr;
+  share(node->visualTraits, visualTraits);
+  share(node->audioTraits, audioTraits);
+  share(node->travTraits, travTraits);
+  addGroupMapping(this, node);
+  if (cloning)
+    node->clone(*this);
+  else
+    node->copy(*this);
+  return node;
 }
 
 sxTraverser::TRAV_STATE sxStyle::apply(sxTraverser* traverser, bool skipPreApply) {

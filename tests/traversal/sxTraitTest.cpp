@@ -68,7 +68,7 @@ TEST(sxTrait, KernelTraitsSurviveAFileWithFilteredValues) {
   for (std::size_t i = 0; i < cases.size(); ++i) {
     const sxTrait* w = written[i].get();
     SCOPED_TRACE(w->getType()->getName());
-    sxRef<sxTrait> back(static_cast<sxTrait*>(w->getType()->createInstance(nullptr)));
+    sxRef<sxTrait> back(static_cast<sxTrait*>(w->getType()->createClassInstance(nullptr)));
     EXPECT_FALSE(back->isEqual(w));
     sxEntry* e = f.getEntry(int(i));
     ASSERT_EQ(back->read(&f, e), e);

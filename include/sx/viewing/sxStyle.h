@@ -21,7 +21,6 @@ class SX_API sxStyle : public sxGroup {
   sxStyle() = default;
   /// Shares the source's traits (each referenced once more).
   sxStyle(const sxStyle& source);
-  sxStyle& operator=(const sxStyle& source);
   ~sxStyle() override;
 
   sxTraverser::TRAV_STATE apply(sxTraverser* traverser, bool skipPreApply) override;
@@ -41,7 +40,12 @@ class SX_API sxStyle : public sxGroup {
   const sxTList<sxAudioTrait*>& getAudioTraits() const { return audioTraits; }
   const sxTList<sxTravTrait*>& getTravTraits() const { return travTraits; }
 
+ protected:
+  sxGroup* copyGroup() const override;
+  sxGroup* cloneGroup() const override;
+
  private:
+  sxGroup* copyStyle(bool cloning) const;
   void releaseTraits();
 
   sxTList<sxVisualTrait*> visualTraits;
