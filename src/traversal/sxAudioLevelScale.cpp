@@ -1,6 +1,6 @@
-#include <sx/traversal/sxTraitType.h>
-#include <sx/traversal/sxAudioLevelScale.h>
 #include <sx/nodes/sxListener.h>
+#include <sx/traversal/sxAudioLevelScale.h>
+#include <sx/traversal/sxTraitType.h>
 
 SX_DEFINE_CLASS(sxAudioLevelScale, sxAudioTraitType)
 

@@ -1,5 +1,5 @@
-#include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxColliderTarget.h>
+#include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxTravContext.h>
 
 SX_DEFINE_CLASS(sxColliderTarget, sxTravTraitType)

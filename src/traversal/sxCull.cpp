@@ -1,5 +1,5 @@
-#include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxCull.h>
+#include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxTravContext.h>
 
 SX_DEFINE_CLASS(sxCull, sxTravTraitType)

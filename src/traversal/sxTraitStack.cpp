@@ -51,7 +51,9 @@ T* makeDefault(int i) {
 // known before are kept.
 template <class T>
 void resize(sxTraitStackFamily<T>& f, int n, bool withDefaults) {
-  if (n < f.numTypes) n = f.numTypes;
+  // Called by every context reset: when no type was added, nothing is
+  // allocated (not even the model stack handed to resize).
+  if (n <= f.numTypes) return;
   f.stacks.resize(std::size_t(n), sxStack(4));
   f.applied.resize(std::size_t(n), nullptr);
   if (withDefaults) {
@@ -402,8 +404,8 @@ const sxAudioTrait** sxTraitStack::getAudioTraits(LIST_TYPE list, int& count, sx
 const sxTravTrait** sxTraitStack::getTravTraits(LIST_TYPE list, int& count) const {
   if (list != LIST_TOPS && list != LIST_DEFAULTS) {
     count = 0;
-    return static_cast<const sxTravTrait**>(sxMemory::malloc(sizeof(const sxTravTrait*) *
-                                                             std::size_t(trav.numTypes + 1)));
+    return static_cast<const sxTravTrait**>(
+        sxMemory::malloc(sizeof(const sxTravTrait*) * std::size_t(trav.numTypes + 1)));
   }
   return listTraits(trav, list, count, nullptr, false);
 }

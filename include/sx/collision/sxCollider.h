@@ -4,7 +4,6 @@
 #include <sx/object/sxRef.h>
 #include <sx/traversal/sxTravContext.h>
 
-
 /// Intersects a graph with rays and generates hit records.
 class SX_API sxCollider : public sxBase {
  public:

@@ -4,7 +4,6 @@
 #include <sx/object/sxRef.h>
 #include <sx/traversal/sxTravContext.h>
 
-
 /// The receiver of the audio pass: hands playing emitters to the audio back end.
 class SX_API sxListener : public sxBase {
  public:

@@ -4,7 +4,6 @@
 #include <sx/object/sxRef.h>
 #include <sx/traversal/sxTravContext.h>
 
-
 /// A viewpoint of the camera pass; rendering plug-ins give it its behaviour.
 class SX_API sxCamera : public sxBase {
  public:
