@@ -76,6 +76,8 @@
 #include <sx/traversal/sxTraitType.h>
 #include <sx/traversal/sxTransition.h>
 #include <sx/traversal/sxTravContext.h>
+#include <sx/traversal/sxTravPath.h>
+#include <sx/traversal/sxTravStack.h>
 #include <sx/traversal/sxTravTrait.h>
 #include <sx/traversal/sxTraverser.h>
 #include <sx/traversal/sxVisualTrait.h>

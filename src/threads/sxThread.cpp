@@ -8,6 +8,7 @@
 #include <sx/threads/sxFlushThread.h>
 #include <sx/threads/sxSemaphore.h>
 #include <sx/threads/sxThread.h>
+#include <sx/traversal/sxTraitStack.h>
 #include <sx/traversal/sxTravContext.h>
 
 #include "kernel/sxKernelLocks.h"
@@ -50,6 +51,8 @@ sxThread::sxThread(bool isAppThread)
       renderContext(nullptr),
       internals(sxNew<Internals>()) {
   if (!internals) sxMemory::outOfMemory();
+  // Its traits are only traversal traits (stack types 4).
+  if (travContext) travContext->setTraitStack(new sxTraitStack(sxTraitStack::STACK_TRAV));
   if (queue) queue->setMode(sxQueue::GROWING);
   if (isAppThread) {
     threadId.store(sxPlatform::currentThreadId());
@@ -255,6 +258,10 @@ void sxThread::addAction(sxAction* action) {
 
 bool sxThread::removeAction(sxAction* action) {
   return sxiRemoveReferenced<sxiHold>(actions, action, &internals->listLock);
+}
+
+void sxThread::setTravContext(sxTravContext* context) {
+  travContext = context;
 }
 
 int sxThread::getNumActions() const {

@@ -4,34 +4,48 @@
 
 SX_DEFINE_CLASS(sxTraverser)
 
-// Placeholder until the traversal context lands.
 sxTraverser::sxTraverser(const sxTraverser& source)
     : sxBase(source),
       groupBreakPoint(source.groupBreakPoint),
       isOfTypeBreakPoint(source.isOfTypeBreakPoint),
       exactTypeBreakPoint(source.exactTypeBreakPoint),
       travContext(source.travContext) {}
+
 sxTraverser::~sxTraverser() = default;
+
 void sxTraverser::traverse(sxGroup* root) {
-  if (root) root->apply(this, false);
+  if (!root) return;
+  reset();
+  root->apply(this, false);
 }
-void sxTraverser::reset() {}
-sxTraverser::TRAV_STATE sxTraverser::apply(sxGroup* g) {
-  if (g == groupBreakPoint.get()) return TRAV_STOP;
+
+void sxTraverser::reset() {
+  if (travContext) travContext->reset();
+}
+
+sxTraverser::TRAV_STATE sxTraverser::apply(sxGroup* group) {
+  if (group == groupBreakPoint.get()) return TRAV_STOP;
+  if (exactTypeBreakPoint && group && group->isOfExactType(exactTypeBreakPoint)) return TRAV_STOP;
+  if (isOfTypeBreakPoint && group && group->isOfType(isOfTypeBreakPoint)) return TRAV_STOP;
   return TRAV_CONTINUE;
 }
+
 sxTraverser::TRAV_STATE sxTraverser::preApply(sxGroup*) {
   return TRAV_CONTINUE;
 }
-void sxTraverser::setGroupBreakPoint(sxGroup* g) {
-  groupBreakPoint = g;
+
+void sxTraverser::setGroupBreakPoint(sxGroup* group) {
+  groupBreakPoint = group;
 }
-void sxTraverser::setIsOfTypeBreakPoint(const sxType* t) {
-  isOfTypeBreakPoint = t;
+
+void sxTraverser::setIsOfTypeBreakPoint(const sxType* type) {
+  isOfTypeBreakPoint = type;
 }
-void sxTraverser::setExactTypeBreakPoint(const sxType* t) {
-  exactTypeBreakPoint = t;
+
+void sxTraverser::setExactTypeBreakPoint(const sxType* type) {
+  exactTypeBreakPoint = type;
 }
-void sxTraverser::setTravContext(sxTravContext* c) {
-  travContext = c;
+
+void sxTraverser::setTravContext(sxTravContext* context) {
+  travContext = context;
 }

@@ -1,10 +1,64 @@
 #pragma once
 
+#include <vector>
+
 #include <sx/object/sxBase.h>
 
-// Counts traversed groups and applied traits per class.
+class sxAudioTrait;
+class sxAudioTraitType;
+class sxGroup;
+class sxGroupType;
+class sxIndexedType;
+class sxTravTrait;
+class sxTravTraitType;
+class sxType;
+class sxVisualTrait;
+class sxVisualTraitType;
+
+/// Counts traversed groups and applied traits per class.
+///
+/// One count per registered type of each family (visual, audio and
+/// traversal traits, groups), indexed by the type's number within its
+/// family; the trait families are kept only when chosen at construction.
+/// Types registered after the last reset() are not counted until the next.
+/// A statistics object is used by one traversal at a time.
 class SX_API sxStats : public sxBase {
  public:
   SX_CLASS(sxStats, sxBase)
-  sxStats() = default;
+
+  /// stackTypes: the trait families to count (sxTraitStack::STACK_TYPES
+  /// bits; groups are always counted). Calls reset().
+  explicit sxStats(unsigned stackTypes = 0x7);
+
+  /// Counts one application of the trait for its type.
+  void incCount(const sxVisualTrait* trait);
+  void incCount(const sxAudioTrait* trait);
+  void incCount(const sxTravTrait* trait);
+  /// Counts one traversal of the group for its type (on the path of every
+  /// traversal: a virtual call and a comparison in the common case).
+  void incCount(const sxGroup* group);
+
+  /// The count of that type; 0 for null and a type beyond the arrays.
+  int getCount(const sxVisualTraitType* type) const;
+  int getCount(const sxAudioTraitType* type) const;
+  int getCount(const sxTravTraitType* type) const;
+  int getCount(const sxGroupType* type) const;
+
+  /// Sizes the arrays for the types registered now and zeroes them.
+  void reset();
+
+ private:
+  enum { visualCounts, audioCounts, travCounts, groupCounts, numCounts };
+  void count(int family, int index) {
+    std::vector<int>& c = counts[family];
+    if (index >= 0 && std::size_t(index) < c.size()) ++c[std::size_t(index)];
+  }
+  int getCount(int family, const sxIndexedType* type) const;
+  void countGroupOfType(const sxType* type);
+
+  std::vector<int> counts[numCounts];
+  unsigned stackTypes;
+  // The group type seen last and its number: a traversal meets few types.
+  const sxType* lastGroupType = nullptr;
+  int lastGroupIndex = -1;
 };

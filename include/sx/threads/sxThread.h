@@ -118,7 +118,11 @@ class SX_API sxThread : public sxBase {
   // The first thread that linked this one below it.
   sxThread* getUpstreamThread() const;
   int getNumUpstreamThreads() const;
+  /// The thread's own context for short computations (bounding volumes).
   sxTravContext* getTravContext() const { return travContext.get(); }
+  /// Referenced; the old context is released. Only the thread itself may
+  /// change it.
+  void setTravContext(sxTravContext* context);
   void setRenderContext(sxRenderContext* context) { renderContext.store(context); }
   sxRenderContext* getRenderContext() const { return renderContext.load(); }
   int getNumActions() const;

@@ -2,9 +2,24 @@
 
 #include <sx/traversal/sxTravTrait.h>
 
-// Selects how a sub-graph is culled against the view.
+/// Selects how a sub-graph is culled against the view: its mask replaces the
+/// cull bits (0x5500) of the traversal flags.
 class SX_API sxCull : public sxTravTrait {
  public:
   SX_CLASS(sxCull, sxTravTrait)
   sxCull() = default;
+
+  void apply(sxTravContext* context) const override;
+  bool isEqual(const sxTrait* other) const override;
+  /// Stored as given: bits outside 0x5500 are set in the flags too and no
+  /// other cull trait clears them.
+  virtual void setMask(unsigned value) { mask = value; }
+  unsigned getMask() const { return mask; }
+
+  /// The trait fields, then the value as an int.
+  sxEntry* read(sxFile* file, sxEntry* entry) override;
+  sxEntry* write(sxFile* file, sxEntry* entry) const override;
+
+ private:
+  unsigned mask = 0x1500u;
 };
