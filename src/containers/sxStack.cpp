@@ -33,29 +33,17 @@ sxStack::~sxStack() {
   sxMemory::free(data);
 }
 
-bool sxStack::push(void* p) {
-  int next = top + 1;
+bool sxStack::grow(int next) {
   if (next >= maxElements) return false;
-  if (next >= capacity) {
-    int cap = capacity ? capacity * 2 : 1;
-    if (cap > maxElements) cap = maxElements;
-    void** fresh = static_cast<void**>(sxMemory::malloc(std::size_t(cap) * sizeof(void*)));
-    if (!fresh) return false;
-    if (data && capacity) std::memcpy(fresh, data, std::size_t(capacity) * sizeof(void*));
-    sxMemory::free(data);
-    data = fresh;
-    capacity = cap;
-  }
-  top = std::int16_t(next);
-  data[top] = p;
-  bump();
+  int cap = capacity ? capacity * 2 : 1;
+  if (cap > maxElements) cap = maxElements;
+  void** fresh = static_cast<void**>(sxMemory::malloc(std::size_t(cap) * sizeof(void*)));
+  if (!fresh) return false;
+  if (data && capacity) std::memcpy(fresh, data, std::size_t(capacity) * sizeof(void*));
+  sxMemory::free(data);
+  data = fresh;
+  capacity = cap;
   return true;
-}
-
-void* sxStack::pop() {
-  bump();
-  if (top < 0) return nullptr;
-  return data[top--];
 }
 
 void sxStack::setTop(void* p) {

@@ -18,8 +18,20 @@ class SX_API sxStack {
   ~sxStack();
 
   // False (nothing pushed) when the stack is full or memory is exhausted.
-  bool push(void* p);
-  void* pop();  // null when empty
+  // Inline: traversals push and pop at every group.
+  bool push(void* p) {
+    const int next = top + 1;
+    if (next >= capacity && !grow(next)) return false;
+    top = std::int16_t(next);
+    data[top] = p;
+    bump();
+    return true;
+  }
+  void* pop() {  // null when empty
+    bump();
+    if (top < 0) return nullptr;
+    return data[top--];
+  }
   void* getTop() const { return top >= 0 ? data[top] : nullptr; }
   // Replaces the top element; an empty stack keeps no data.
   void setTop(void* p);
@@ -34,6 +46,8 @@ class SX_API sxStack {
 
  private:
   void bump() { id = short(std::uint16_t(id) + 1u); }
+  // Room for element `next`; false when the stack is full or memory is out.
+  bool grow(int next);
 
   void** data;
   std::int32_t capacity;
