@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # ThreadSanitizer run of the threaded test suites (threads, the events in
-# nodes, concurrent loading in persist, reference counts in object,
-# concurrent walks in traversal). Builds
+# nodes, concurrent loading in persist, reference counts and instance lists
+# in object, concurrent walks in traversal). Builds
 # the library and those suites only, in its own build folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -30,5 +30,5 @@ if command -v setarch >/dev/null && setarch "$(uname -m)" -R true 2>/dev/null; t
 fi
 export TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}"
 cd "$build"
-"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership|sxTraverser)\.' \
+"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership|sxInstanceLists|sxTraverser)\.' \
   --output-on-failure -j2 --timeout 300 --no-tests=error

@@ -49,6 +49,7 @@
 #include <sx/object/sxBase.h>
 #include <sx/object/sxClass.h>
 #include <sx/object/sxIndexedType.h>
+#include <sx/object/sxInstanceLock.h>
 #include <sx/object/sxMemory.h>
 #include <sx/object/sxPlugIn.h>
 #include <sx/object/sxRef.h>

@@ -4,6 +4,7 @@
 
 #include <cstring>
 
+#include "object/sxAttributeTable.h"
 #include "object/sxDeletion.h"
 
 SX_IMPLEMENT_CLASS_STATICS(sxBase, void, sxType)
@@ -19,14 +20,6 @@ struct CopyState {
   bool pendingUnlisted = false;
 };
 thread_local CopyState copyState;
-
-char* copyInto(const char* s, sxArena* arena) {
-  if (!s) return nullptr;
-  std::size_t n = std::strlen(s) + 1;
-  void* p = arena ? arena->malloc(unsigned(n)) : sxMemory::malloc(n);
-  if (p) std::memcpy(p, s, n);
-  return static_cast<char*>(p);
-}
 
 }  // namespace
 
@@ -63,52 +56,52 @@ sxBase::sxBase(const sxBase& source) : sxMemory(), flags(source.flags) {
   if (copyState.pendingUnlisted) {
     // The sxBase part of an arena copy: unlisted, its name in the arena.
     copyState.pendingUnlisted = false;
-    baseSlot.store(disposableSlot, std::memory_order_relaxed);
-    name = copyInto(source.name, getCopyArena());
+    slot.store(disposableSlot, std::memory_order_relaxed);
+    initName(source.getName(), getCopyArena());
     return;
   }
-  name = copyInto(source.name, nullptr);
+  initName(source.getName(), nullptr);
   if (sxType* t = sxClassImpl<sxBase, void, sxType>::type()) t->addInstance(this);
 }
 
 sxBase::sxBase(const sxBase& source, sxArena* arena)
-    : sxMemory(),
-      flags(source.flags),
-      name(copyInto(source.name, arena)),
-      baseSlot(disposableSlot) {}
+    : sxMemory(), flags(source.flags), slot(disposableSlot) {
+  initName(source.getName(), arena);
+}
 
 sxBase& sxBase::operator=(const sxBase& source) {
   if (this != &source) {
     flags = source.flags;
-    setName(source.name);
+    setName(source.getName());
   }
   return *this;
 }
 
 sxBase::~sxBase() {
-  if (!isDisposable()) {
-    sxTypeRegistryLock lock;
-    deleteInstance();
-    if (baseSlot.load(std::memory_order_relaxed) >= 0)
-      if (sxType* t = getClassType()) t->removeInstance(this);
+  deleteInstance();
+  if (state & attributesBit) {
+    state &= std::uint16_t(~attributesBit);
+    if (sxTList<sxBase*>* attributes = sxiAttributeTable::take(this)) {
+      for (int i = attributes->getNum() - 1; i >= 0; --i) (*attributes)[i]->unRef();
+      sxDelete(attributes);
+    }
   }
-  if (attributes) {
-    for (int i = attributes->getNum() - 1; i >= 0; --i) (*attributes)[i]->unRef();
-    sxDelete(attributes);
-    attributes = nullptr;
-  }
-  if (!isDisposable()) sxMemory::free(name);
-  name = nullptr;
+  freeName();
 }
 
 void sxBase::deleteInstance() {
-  if (sxType* t = listedType) t->removeInstance(this);
+  if (isDisposable()) return;
+  if (sxType* t = sxType::fromListId(listId.load(std::memory_order_relaxed)))
+    t->removeInstance(this);
 }
 
 void sxBase::listInstance(sxType* type) {
-  if (!type || isDisposable() || listedType == type) return;
-  sxTypeRegistryLock lock;
-  if (listedType) listedType->removeInstance(this);
+  if (!type || isDisposable()) return;
+  const std::uint16_t at = listId.load(std::memory_order_relaxed);
+  if (at != 0 && at == type->listId) return;
+  // Out of the list of the class whose constructor listed it before, into
+  // this one's: never both lists' locks at once.
+  if (sxType* old = sxType::fromListId(at)) old->removeInstance(this);
   type->addInstance(this);
 }
 
@@ -142,27 +135,65 @@ void sxBase::enableDynamic(bool enable) {
 
 void sxBase::initRenderContext(sxRenderContext*) const {}
 
-void sxBase::setName(const char* newName) {
-  if (!newName) {
-    if (!isDisposable()) sxMemory::free(name);
-    name = nullptr;
+void sxBase::initName(const char* source, sxArena* arena) {
+  if (!source) return;
+  const std::size_t n = std::strlen(source) + 1;
+  if (n <= shortNameSize) {
+    std::memcpy(shortName, source, n);
+    state |= shortNameBit;
     return;
   }
-  if (newName == name) return;
-  std::size_t n = std::strlen(newName) + 1;
-  // An arena copy's name lives in the arena and is never freed.
-  char* p = static_cast<char*>(isDisposable() ? sxMemory::malloc(n) : sxMemory::realloc(name, n));
+  void* p = arena ? arena->malloc(unsigned(n)) : sxMemory::malloc(n);
+  if (p) std::memcpy(p, source, n);
+  heapName = static_cast<char*>(p);
+}
+
+// An arena copy's long name lives in the arena and is never freed.
+void sxBase::freeName() {
+  if (state & shortNameBit)
+    state &= std::uint16_t(~shortNameBit);
+  else if (!isDisposable())
+    sxMemory::free(heapName);
+  heapName = nullptr;
+}
+
+void sxBase::setName(const char* newName) {
+  if (newName == getName()) return;
+  if (!newName) {
+    freeName();
+    return;
+  }
+  const std::size_t n = std::strlen(newName) + 1;
+  if (n <= shortNameSize) {
+    // newName may lie in the block that is freed.
+    char copy[shortNameSize];
+    std::memcpy(copy, newName, n);
+    freeName();
+    std::memcpy(shortName, copy, n);
+    state |= shortNameBit;
+    return;
+  }
+  // A longer name than 15 characters cannot be part of a short one; part
+  // of a long one fits the block it lies in, which realloc then keeps.
+  const bool ownBlock = !(state & shortNameBit) && heapName && !isDisposable();
+  char* p = static_cast<char*>(ownBlock ? sxMemory::realloc(heapName, n) : sxMemory::malloc(n));
   if (!p) return;
   std::memmove(p, newName, n);
-  name = p;
+  if (!ownBlock) freeName();
+  heapName = p;
 }
 
 void sxBase::addAttribute(sxBase* attribute) {
   if (!attribute) return;
-  if (!attributes) attributes = sxNew<sxTList<sxBase*>>();
+  sxTList<sxBase*>* attributes = sxiAttributeTable::findOrMake(this);
   if (!attributes) return;
+  state |= attributesBit;
   attribute->ref();
   attributes->add(attribute);
+}
+
+const sxTList<sxBase*>* sxBase::findAttributes() const {
+  return sxiAttributeTable::find(this);
 }
 
 bool sxBase::isOfType(const sxType* type) const {
@@ -184,8 +215,10 @@ bool sxBase::isOfExactType(const sxBase* other) const {
 
 bool sxBase::operator==(const sxBase& other) const {
   if (flags != other.flags) return false;
-  if (!name || !other.name) return name == other.name;
-  return std::strcmp(name, other.name) == 0;
+  const char* a = getName();
+  const char* b = other.getName();
+  if (!a || !b) return a == b;
+  return std::strcmp(a, b) == 0;
 }
 
 int sxBase::getNumPendingDeletions() {

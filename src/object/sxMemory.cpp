@@ -2,31 +2,28 @@
 #include <sx/object/sxMemory.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
+#include "object/sxHeapCount.h"
 #include "platform/sxPlatform.h"
 
 namespace {
-// The heap total is one atomic counter: malloc is thread-safe by itself, so
-// accounting needs no lock around the heap call and allocation never
-// serialises the threads of the pipeline.
-constinit std::atomic<std::size_t> mSize{0};
+// malloc is thread-safe by itself, so accounting needs no lock around the
+// heap call; the total is kept per thread (sxHeapCount.h), so allocation
+// never serialises the threads of the pipeline.
 constinit std::atomic<bool> classInitialized{false};
 
 // Accounts a block that moved or changed size from old usable bytes to q's.
 inline void* reaccounted(void* q, std::size_t old) {
-  std::size_t now = sxPlatform::usableSize(q);
-  if (now >= old)
-    mSize.fetch_add(now - old, std::memory_order_relaxed);
-  else
-    mSize.fetch_sub(old - now, std::memory_order_relaxed);
+  sxiHeapCount::add(std::int64_t(sxPlatform::usableSize(q)) - std::int64_t(old));
   return q;
 }
 
 inline void* accounted(void* p) {
-  if (p) mSize.fetch_add(sxPlatform::usableSize(p), std::memory_order_relaxed);
+  if (p) sxiHeapCount::add(std::int64_t(sxPlatform::usableSize(p)));
   return p;
 }
 }  // namespace
@@ -76,7 +73,7 @@ void* sxMemory::shrink(void* p, std::size_t size) {
 
 void sxMemory::free(void* p) {
   if (!p) return;
-  mSize.fetch_sub(sxPlatform::usableSize(p), std::memory_order_relaxed);
+  sxiHeapCount::add(-std::int64_t(sxPlatform::usableSize(p)));
   std::free(p);
 }
 
@@ -84,7 +81,7 @@ std::size_t sxMemory::getSize(const void* p) {
   return p ? sxPlatform::usableSize(const_cast<void*>(p)) : 0;
 }
 std::size_t sxMemory::getSize() {
-  return mSize.load(std::memory_order_relaxed);
+  return sxiHeapCount::total();
 }
 
 int sxMemory::compare(const void* a, const void* b, std::size_t n) {

@@ -63,6 +63,68 @@ sxType* findCreated(const char* name, std::uint32_t hash, bool fromFirst) {
   return nullptr;
 }
 
+// Takes an instance lock for a scope, unless the calling thread holds it
+// across calls already.
+class ListScope {
+ public:
+  explicit ListScope(sxiInstanceLock& lock) : lock(lock), entered(lock.enter()) {}
+  ~ListScope() {
+    if (entered) lock.leave();
+  }
+  ListScope(const ListScope&) = delete;
+  ListScope& operator=(const ListScope&) = delete;
+
+ private:
+  sxiInstanceLock& lock;
+  bool entered;
+};
+
+// Type records by the list id that their listed objects carry. Ids are
+// handed out under the registry lock; finding a record takes no lock: its
+// page is made before the id is handed out and kept until unload.
+class ListIds {
+ public:
+  sxType* find(std::uint16_t id) const {
+    const Page* page = id ? pages[id / pageSize].load(std::memory_order_acquire) : nullptr;
+    return page ? page->at[id % pageSize].load(std::memory_order_acquire) : nullptr;
+  }
+
+  // 0 when every id is taken.
+  std::uint16_t add(sxType* type) {
+    std::uint32_t id = next < limit ? next++ : 0;
+    for (std::uint32_t i = 1; id == 0 && i < limit; ++i)
+      if (!find(std::uint16_t(i))) id = i;  // ids of destroyed records come back last
+    if (id == 0) return 0;
+    std::atomic<Page*>& page = pages[id / pageSize];
+    if (!page.load(std::memory_order_relaxed)) {
+      Page* made = sxNew<Page>();
+      if (!made) return 0;
+      page.store(made, std::memory_order_release);
+    }
+    page.load(std::memory_order_relaxed)->at[id % pageSize].store(type, std::memory_order_release);
+    return std::uint16_t(id);
+  }
+
+  void remove(std::uint16_t id) {
+    if (Page* page = id ? pages[id / pageSize].load(std::memory_order_relaxed) : nullptr)
+      page->at[id % pageSize].store(nullptr, std::memory_order_release);
+  }
+
+  void clear() {
+    for (std::atomic<Page*>& page : pages) sxDelete(page.exchange(nullptr));
+    next = 1;
+  }
+
+ private:
+  static constexpr std::uint32_t limit = 65536, pageSize = 256;
+  struct Page {
+    std::atomic<sxType*> at[pageSize] = {};
+  };
+  std::atomic<Page*> pages[limit / pageSize] = {};
+  std::uint32_t next = 1;
+};
+constinit ListIds listIds;
+
 bool namesMatch(const sxBase* obj, const char* name) {
   const char* n = obj->getName();
   return n && sxiKernel::compareIgnoreCase(n, name) == 0;
@@ -102,6 +164,11 @@ sxType::sxType(sxType* parentType, const char* typeName, CreateFunc create, Remo
   nameHash = foldedHash(name ? name : "");
   index = typeList->add(this);
   typeHashes->add(nameHash);
+  listId = listIds.add(this);
+  // A class made while this thread holds the lists of its parent (or all
+  // lists) across calls is held as often, so that the releases find it held.
+  const sxType* cover = parent ? parent : sxBase::getClassType();
+  for (unsigned n = cover ? cover->instanceLock.holdsHere() : 0; n > 0; --n) instanceLock.hold();
 }
 
 sxType::~sxType() {
@@ -115,9 +182,17 @@ sxType::~sxType() {
     typeList->removeIndex(at);
     typeHashes->removeIndex(at);
   }
-  // Objects still listed (only at module unload) forget this record.
-  for (sxBase* obj : instances)
-    if (obj->listedType == this) obj->listedType = nullptr;
+  {
+    // Objects still listed (only at module unload) forget this record.
+    ListScope scope(instanceLock);
+    for (sxBase* obj : instances) {
+      if (listId == 0 || obj->listId.load(std::memory_order_relaxed) != listId) continue;
+      obj->listId.store(0, std::memory_order_relaxed);
+      obj->slot.store(sxBase::unlistedSlot, std::memory_order_relaxed);
+    }
+  }
+  listIds.remove(listId);
+  while (instanceLock.holdsHere() > 0) instanceLock.unhold();
   sxMemory::free(name);
 }
 
@@ -160,21 +235,27 @@ sxType* sxType::getChild(int i) const {
 
 // --- instance lists
 
+sxType* sxType::fromListId(std::uint16_t id) {
+  return listIds.find(id);
+}
+
+bool sxType::listsAll() const {
+  return this == sxBase::getClassType();
+}
+
 void sxType::addInstance(sxBase* obj) {
   if (!obj) return;
   if (obj->isDisposable()) return;  // arena copies are never listed
-  sxTypeRegistryLock lock;
   if (plugIn) plugIn->ref();
-  if (this == sxBase::getClassType()) {
-    if (obj->baseSlot.load(std::memory_order_relaxed) >= 0) return;
-    obj->baseSlot.store(std::int32_t(instances.size()), std::memory_order_relaxed);
-  } else if (obj->listedType == this) {
-    return;
-  } else if (!obj->listedType) {
-    obj->listedType = this;
-    obj->ownSlot = std::int32_t(instances.size());
+  ListScope scope(instanceLock);
+  const std::uint16_t at = obj->listId.load(std::memory_order_relaxed);
+  if (listId != 0 && at == listId) return;
+  if (listId != 0 && at == 0) {
+    obj->slot.store(std::int32_t(instances.size()), std::memory_order_relaxed);
+    obj->listId.store(listId, std::memory_order_relaxed);
   } else {
-    // Listed under another class already: an untracked extra entry.
+    // Listed under another class already (or no ids left): an entry that
+    // is found by search.
     for (sxBase* o : instances)
       if (o == obj) return;
   }
@@ -188,67 +269,109 @@ void sxType::removeAt(std::size_t i) {
   sxBase* moved = instances[last];
   instances[i] = moved;
   instances.pop_back();
-  if (i == last) return;
-  if (this == sxBase::getClassType())
-    moved->baseSlot.store(std::int32_t(i), std::memory_order_relaxed);
-  else if (moved->listedType == this)
-    moved->ownSlot = std::int32_t(i);
+  if (i != last && listId != 0 && moved->listId.load(std::memory_order_relaxed) == listId)
+    moved->slot.store(std::int32_t(i), std::memory_order_relaxed);
 }
 
 bool sxType::removeInstance(sxBase* obj) {
   if (!obj) return false;
-  sxTypeRegistryLock lock;
-  bool found = false;
-  std::size_t n = instances.size();
-  const std::int32_t baseSlot = obj->baseSlot.load(std::memory_order_relaxed);
-  if (this == sxBase::getClassType() && baseSlot >= 0 && std::size_t(baseSlot) < n &&
-      instances[std::size_t(baseSlot)] == obj) {
-    removeAt(std::size_t(baseSlot));
-    obj->baseSlot.store(sxBase::unlistedSlot, std::memory_order_relaxed);
-    found = true;
-  } else if (obj->listedType == this && obj->ownSlot >= 0 && std::size_t(obj->ownSlot) < n &&
-             instances[obj->ownSlot] == obj) {
-    removeAt(std::size_t(obj->ownSlot));
-    obj->listedType = nullptr;
-    obj->ownSlot = sxBase::unlistedSlot;
-    found = true;
-  } else {
-    for (std::size_t i = n; i-- > 0;) {
-      if (instances[i] != obj) continue;
-      removeAt(i);
+  bool found = false, orphaned = false;
+  {
+    ListScope scope(instanceLock);
+    const std::size_t n = instances.size();
+    const std::int32_t at = obj->slot.load(std::memory_order_relaxed);
+    if (listId != 0 && obj->listId.load(std::memory_order_relaxed) == listId && at >= 0 &&
+        std::size_t(at) < n && instances[std::size_t(at)] == obj) {
+      removeAt(std::size_t(at));
+      obj->slot.store(sxBase::unlistedSlot, std::memory_order_relaxed);
+      obj->listId.store(0, std::memory_order_relaxed);
       found = true;
-      break;
+    } else {
+      for (std::size_t i = n; i-- > 0;) {
+        if (instances[i] != obj) continue;
+        removeAt(i);
+        found = true;
+        break;
+      }
     }
+    orphaned = isDeletePending() && instances.empty();
   }
   if (plugIn) plugIn->unRef();
-  if (isDeletePending() && instances.empty()) delete this;
+  if (orphaned) deleteIfOrphaned();
   return found;
+}
+
+// The record goes with its last instance once it was asked to; it is
+// destroyed under the registry lock, which no list lock is held across.
+void sxType::deleteIfOrphaned() {
+  sxTypeRegistryLock lock;
+  bool empty;
+  {
+    ListScope scope(instanceLock);
+    empty = isDeletePending() && instances.empty();
+    if (empty) flags &= ~deletePendingFlag;  // one thread destroys it
+  }
+  if (empty) delete this;
 }
 
 bool sxType::deleteType() {
   sxTypeRegistryLock lock;
-  if (instances.empty()) {
-    delete this;
-    return true;
+  {
+    ListScope scope(instanceLock);
+    if (!instances.empty()) {
+      flags |= deletePendingFlag;
+      return false;
+    }
   }
-  flags |= deletePendingFlag;
-  return false;
+  delete this;
+  return true;
+}
+
+int sxType::countOwn() const {
+  ListScope scope(instanceLock);
+  return int(instances.size());
+}
+
+// The following walk the registry or the child lists: the registry lock
+// is held.
+int sxType::countListed() const {
+  if (!listsAll()) return countOwn();
+  int n = 0;
+  for (sxType* t : *typeList) n += t->countOwn();
+  return n;
 }
 
 int sxType::countRecursive() const {
-  int n = int(instances.size());
+  int n = countOwn();
   for (sxType* c : children) n += c->countRecursive();
   return n;
 }
 
 int sxType::getNum(bool recursive) const {
+  if (!recursive && !listsAll()) return countOwn();
   sxTypeRegistryLock lock;
-  return recursive ? countRecursive() : int(instances.size());
+  int n = countListed();
+  if (recursive)
+    for (sxType* c : children) n += c->countRecursive();
+  return n;
+}
+
+sxBase* sxType::getOwn(int& i) const {
+  ListScope scope(instanceLock);
+  if (std::size_t(i) < instances.size()) return instances[std::size_t(i)];
+  i -= int(instances.size());
+  return nullptr;
+}
+
+sxBase* sxType::getListed(int& i) const {
+  if (!listsAll()) return getOwn(i);
+  for (sxType* t : *typeList)
+    if (sxBase* obj = t->getOwn(i)) return obj;
+  return nullptr;
 }
 
 sxBase* sxType::getRecursive(int& i) const {
-  if (std::size_t(i) < instances.size()) return instances[std::size_t(i)];
-  i -= int(instances.size());
+  if (sxBase* obj = getOwn(i)) return obj;
   for (sxType* c : children)
     if (sxBase* obj = c->getRecursive(i)) return obj;
   return nullptr;
@@ -256,40 +379,77 @@ sxBase* sxType::getRecursive(int& i) const {
 
 sxBase* sxType::get(int i, bool recursive) const {
   if (i < 0) return nullptr;
+  if (!recursive && !listsAll()) return getOwn(i);
   sxTypeRegistryLock lock;
-  if (!recursive) return std::size_t(i) < instances.size() ? instances[std::size_t(i)] : nullptr;
-  return getRecursive(i);
+  if (sxBase* obj = getListed(i)) return obj;
+  if (recursive)
+    for (sxType* c : children)
+      if (sxBase* obj = c->getRecursive(i)) return obj;
+  return nullptr;
 }
 
 sxBase* sxType::find(const char* objName, const sxBase* start, bool recursive) const {
   if (!objName) return nullptr;
-  sxTypeRegistryLock lock;
-  bool passed = start == nullptr;
-  // Walks in get() order: own instances, then each child type's.
+  // Walks in get() order: the listed instances, then each child type's.
   struct Walk {
     const char* name;
     const sxBase* start;
-    bool& passed;
-    sxBase* visit(const sxType* t, bool recursive) {
+    bool passed;
+    sxBase* own(const sxType* t) {
+      ListScope scope(t->instanceLock);
       for (sxBase* obj : t->instances) {
         if (!namesMatch(obj, name)) continue;
         if (passed) return obj;
         if (obj == start) passed = true;
       }
-      if (recursive)
-        for (sxType* c : t->children)
-          if (sxBase* obj = visit(c, true)) return obj;
       return nullptr;
     }
-  } walk{objName, start, passed};
-  return walk.visit(this, recursive);
+    sxBase* listed(const sxType* t) {
+      if (!t->listsAll()) return own(t);
+      for (sxType* each : *typeList)
+        if (sxBase* obj = own(each)) return obj;
+      return nullptr;
+    }
+    sxBase* subtree(const sxType* t) {
+      if (sxBase* obj = own(t)) return obj;
+      for (sxType* c : t->children)
+        if (sxBase* obj = subtree(c)) return obj;
+      return nullptr;
+    }
+  } walk{objName, start, start == nullptr};
+  if (!recursive && !listsAll()) return walk.own(this);
+  sxTypeRegistryLock lock;
+  if (sxBase* obj = walk.listed(this)) return obj;
+  if (recursive)
+    for (sxType* c : children)
+      if (sxBase* obj = walk.subtree(c)) return obj;
+  return nullptr;
+}
+
+// The lists that this record's enumerations read (under the registry lock).
+template <class Visit>
+void sxType::forEachCoveredList(Visit visit) const {
+  if (listsAll()) {
+    for (sxType* t : *typeList) visit(t);
+    return;
+  }
+  struct Walk {
+    Visit& visit;
+    void subtree(const sxType* t) {
+      visit(t);
+      for (sxType* c : t->children) subtree(c);
+    }
+  } walk{visit};
+  walk.subtree(this);
 }
 
 void sxType::lockInstanceList() const {
   sxiKernel::acquireLock(sxiKernel::getLock(sxiKernel::typeLock));
+  forEachCoveredList([](const sxType* t) { t->instanceLock.hold(); });
 }
 
 void sxType::unlockInstanceList() const {
+  forEachCoveredList([](const sxType* t) { t->instanceLock.unhold(); });
   sxiKernel::releaseLock(sxiKernel::getLock(sxiKernel::typeLock));
 }
 
@@ -418,4 +578,5 @@ void sxType::cleanUpRegistry() {
   while (typeList->getNum() > 0) delete (*typeList)[typeList->getNum() - 1];
   typeList->setSize(0);
   typeHashes->setSize(0);
+  listIds.clear();
 }

@@ -59,7 +59,7 @@ sxEntry* sxBase::write(sxFile* file, sxEntry* entry) const {
     created = entry = newEntryFor(this, file);
     if (!entry) return nullptr;
   }
-  if (name) {
+  if (const char* name = getName()) {
     int length = int(std::strlen(name)) + 1;
     entry->writeInt(length);
     entry->writeString(name);
@@ -68,6 +68,7 @@ sxEntry* sxBase::write(sxFile* file, sxEntry* entry) const {
   }
   entry->writeShort(short(flags));
   int count = 0;
+  const sxTList<sxBase*>* attributes = getAttribList();
   if (attributes)
     for (sxBase* a : *attributes)
       if (isWritableObject(a)) ++count;

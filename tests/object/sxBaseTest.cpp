@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 #include "support/sxTestClasses.h"
@@ -69,17 +71,38 @@ TEST(sxBase, NamesCopiesAndEqualityTakeFlagsAndNamesOnly) {
   EXPECT_TRUE(plain != b);
   plain.setName(nullptr);
   EXPECT_TRUE(plain == b);
-  // Names are owned copies, replaced on every set.
+  // Names are owned copies, replaced on every set, also by a part of the current name,
+  // on either side of the 15 characters kept in the object; arena copies keep theirs.
   sxBase named;
+  sxArena arena(4096);  // room for every copy in its first block
+  const std::size_t heap = sxMemory::getSize();
   char text[] = "first";
   named.setName(text);
   text[0] = 'X';
   EXPECT_STREQ(named.getName(), "first");
-  named.setName("a much longer second name than the first");
-  named.setName(named.getName());  // self-assignment keeps the text
-  EXPECT_STREQ(named.getName(), "a much longer second name than the first");
-  named.setName(nullptr);
-  EXPECT_EQ(named.getName(), nullptr);
+  {
+    std::vector<std::pair<const sxBase*, std::string>> copies;
+    // Each step sets a text, or (null) the current name from the given offset.
+    for (auto [set, from, expected] :
+         {std::tuple<const char*, int, const char*>{"fifteen chars!!", 0, "fifteen chars!!"},
+          {nullptr, 1, "ifteen chars!!"},
+          {"sixteen chars!!!", 0, "sixteen chars!!!"},
+          {nullptr, 0, "sixteen chars!!!"},
+          {nullptr, 1, "ixteen chars!!!"},
+          {"a much longer second name than the first", 0, nullptr},
+          {nullptr, 2, "much longer second name than the first"},
+          {nullptr, 29, "the first"},
+          {"another name of some length", 0, nullptr}}) {
+      named.setName(set ? set : named.getName() + from);
+      const char* want = expected ? expected : set;
+      EXPECT_STREQ(named.getName(), want);
+      copies.emplace_back(named.createDisposableCopy(&arena), want);
+    }
+    named.setName(nullptr);
+    EXPECT_EQ(named.getName(), nullptr);
+    for (auto& [copy, name] : copies) EXPECT_STREQ(copy->getName(), name.c_str());
+  }
+  EXPECT_EQ(sxMemory::getSize(), heap) << "every replaced name was freed";
 }
 
 TEST(sxBase, TypeQueriesFollowTheClassTree) {

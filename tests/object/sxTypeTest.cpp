@@ -1,12 +1,16 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <atomic>
 #include <cctype>
+#include <set>
 #include <string>
 #include <tuple>
 #include <utility>
+#include <vector>
 
 #include "support/sxTestClasses.h"
+#include "support/sxThreadTestSupport.h"
 
 // Classes in the superseded form, each used by one test, so that the order
 // of tests does not matter.
@@ -21,6 +25,8 @@ SX_TEST_CLASS(sxTestLazy, sxBase)
 SX_TEST_CLASS(sxTestTransient, sxBase)
 SX_TEST_CLASS(sxTestFindable, sxBase)
 SX_TEST_CLASS(sxTestFindableChild, sxTestFindable)
+SX_TEST_CLASS(sxTestCrowd, sxBase)
+SX_TEST_CLASS(sxTestCrowdChild, sxTestCrowd)
 
 // Lookups in any letter case are tested with every library class below.
 TEST(sxType, UnknownNamesAbstractClassesAndSourcesOfOtherClassesMakeNothing) {
@@ -204,4 +210,51 @@ TEST(sxType, InitialisingAllAnnouncedClassesTerminatesAndFamiliesCreateByNumber)
   ASSERT_GT(traits, 0);
   EXPECT_EQ(sxTravTraitType::getTraitType(traits - 1)->getTraitIndex(), traits - 1);
   EXPECT_EQ(sxTravTraitType::getTraitType(traits), nullptr);
+}
+
+// Threads create, name and destroy objects of a class and of one derived from it (each
+// moves from list to list while it is built) while others hold the lists of all objects
+// or of the family: a held list stays still and holds each object once, and its holder
+// creates and destroys objects of the classes it holds.
+TEST(sxInstanceLists, ConcurrentCreationDestructionAndEnumeration) {
+  const int before = sxBase::getNum(false);
+  constexpr int makers = 2, rounds = 40, batch = 100;
+  std::atomic<int> making{makers};
+  sxtest::withDeadline("instance lists under contention", [&] {
+    sxtest::inThreads(makers + 2, [&](int id) {
+      if (id < makers) {
+        std::vector<sxBase*> made;
+        for (int r = 0; r < rounds; ++r) {
+          for (int i = 0; i < batch; ++i) {
+            sxBase* obj =
+                (i + id) % 2 ? static_cast<sxBase*>(new sxTestCrowdChild) : new sxTestCrowd;
+            obj->setName(i % 3 ? "crowd" : "a member of the crowd with a long name");
+            made.push_back(obj);
+          }
+          // Every other one first, so that removals move entries about.
+          for (std::size_t i = 0; i < made.size(); i += 2) delete made[i];
+          for (std::size_t i = 1; i < made.size(); i += 2) delete made[i];
+          made.clear();
+        }
+        making.fetch_sub(1);
+        return;
+      }
+      const bool all = id == makers;
+      sxType* type = all ? sxBase::getClassType() : sxType::findType("sxTestCrowd");
+      ASSERT_NE(type, nullptr);
+      do {
+        type->lockInstanceList();
+        const int n = type->getNum(!all);
+        std::set<const sxBase*> seen;
+        for (int i = 0; i < n; ++i) seen.insert(type->get(i, !all));
+        sxBase* own = new sxTestCrowdChild;
+        const int withOwn = type->getNum(!all);
+        delete own;
+        EXPECT_EQ(std::tuple(seen.size(), seen.count(nullptr), withOwn, type->getNum(!all)),
+                  std::tuple(std::size_t(n), std::size_t(0), n + 1, n));
+        type->unlockInstanceList();
+      } while (making.load() > 0);
+    });
+  });
+  EXPECT_EQ(std::tuple(sxBase::getNum(false), sxTestCrowd::getNum(true)), std::tuple(before, 0));
 }

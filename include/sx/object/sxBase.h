@@ -1,6 +1,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 
 #include <sx/containers/sxList.h>
@@ -19,8 +20,9 @@ class sxType;
 // Objects are created with a count of 0; whoever keeps one calls ref() and
 // later unRef(). The release of the last reference destroys the object at
 // once, or, while downstream threads run, once every thread has passed a
-// point where it no longer uses it. Every object is listed under sxBase and
-// under its own class, so it can be counted, enumerated and found by name.
+// point where it no longer uses it. Every object is listed under its own
+// class, and through it under sxBase, so it can be counted, enumerated and
+// found by name.
 class SX_API sxBase : public sxMemory {
   SX_DECLARE_CLASS_STATICS(sxBase)
 
@@ -55,8 +57,11 @@ class SX_API sxBase : public sxMemory {
   virtual sxEntry* writeRef(sxFile* file, sxEntry* entry) const;
   static sxBase* readRef(sxFile* file, sxEntry* entry);
 
+  /// Names of up to 15 characters are kept in the object itself, longer
+  /// ones in the heap. name may be (part of) the current name.
   void setName(const char* name);
-  const char* getName() const { return name; }
+  /// Null when the object has no name.
+  const char* getName() const { return (state & shortNameBit) ? shortName : heapName; }
   int getRefCount() const { return refCount.load(std::memory_order_relaxed); }
   /// Releases a reference but never destroys the object, even when the
   /// count reaches 0: for a holder that hands the object on to whoever takes
@@ -69,7 +74,9 @@ class SX_API sxBase : public sxMemory {
 
   // Keeps a reference on attribute; null is ignored.
   void addAttribute(sxBase* attribute);
-  const sxTList<sxBase*>* getAttribList() const { return attributes; }
+  const sxTList<sxBase*>* getAttribList() const {
+    return (state & attributesBit) ? findAttributes() : nullptr;
+  }
 
   bool isOfType(const sxType* type) const;
   bool isOfType(const sxBase* other) const;
@@ -84,7 +91,7 @@ class SX_API sxBase : public sxMemory {
   // been carried out yet.
   static int getNumPendingDeletions();
   // True while obj is a copy made in an arena (never listed, never freed).
-  bool isDisposable() const { return baseSlot.load(std::memory_order_relaxed) == disposableSlot; }
+  bool isDisposable() const { return slot.load(std::memory_order_relaxed) == disposableSlot; }
 
   // Allocation goes through the accounted heap or an arena.
   static void* operator new(std::size_t size) noexcept { return sxMemory::malloc(size); }
@@ -101,7 +108,7 @@ class SX_API sxBase : public sxMemory {
   static sxArena* getCopyArena();
 
  protected:
-  // Takes the object out of its own class's instance list (once).
+  // Takes the object out of its class's instance list (once).
   void deleteInstance();
   // Lists the object under type, moving it from the list of the class whose
   // constructor listed it before (each constructor of a class chain lists
@@ -118,22 +125,33 @@ class SX_API sxBase : public sxMemory {
   friend struct sxiDeletion;
   static constexpr std::int32_t unlistedSlot = -1;
   static constexpr std::int32_t disposableSlot = -2;
+  static constexpr std::uint16_t shortNameBit = 1;
+  static constexpr std::uint16_t attributesBit = 2;
+  static constexpr std::size_t shortNameSize = 16;
 
   void markDeleted(sxBase* obj);
-  void copyName(const char* source);
+  // Names an object that has no name yet; the copy goes to the arena when
+  // one is given and the name is too long to be kept in place.
+  void initName(const char* source, sxArena* arena);
+  void freeName();
+  const sxTList<sxBase*>* findAttributes() const;
 
   // The count is 32-bit (the padding after the flags leaves room for it at
   // no cost), so heavily shared objects cannot wrap it.
   std::atomic<std::int32_t> refCount{0};
-  char* name = nullptr;
-  sxTList<sxBase*>* attributes = nullptr;
-  // Bookkeeping of the instance lists, so that listing and unlisting cost
-  // O(1): the class list the object is in and its positions there and in
-  // the sxBase list.
-  sxType* listedType = nullptr;
-  std::int32_t ownSlot = unlistedSlot;
-  // Atomic: another thread that removes some other object may move this one
-  // in the sxBase list (under the type lock) while this thread asks whether
-  // it is disposable (without it).
-  std::atomic<std::int32_t> baseSlot{unlistedSlot};
+  // The name: in place when short (shortNameBit), otherwise a heap copy
+  // (in an arena copy, one in the arena) or null.
+  union {
+    char* heapName = nullptr;
+    char shortName[shortNameSize];
+  };
+  // Bookkeeping. The attribute list, rarely used, is kept aside, keyed by
+  // the object (attributesBit). The instance list the object is in is that
+  // of the record with its list id, at its slot, so that listing and
+  // unlisting cost O(1). Atomic: another thread that removes some other
+  // object may move this one in the list (under the list's lock) while this
+  // thread asks whether it is disposable (without it).
+  std::atomic<std::int32_t> slot{unlistedSlot};
+  std::atomic<std::uint16_t> listId{0};
+  std::uint16_t state = 0;
 };

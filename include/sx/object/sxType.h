@@ -4,6 +4,7 @@
 #include <vector>
 
 #include <sx/containers/sxList.h>
+#include <sx/object/sxInstanceLock.h>
 #include <sx/object/sxMemory.h>
 #include <sx/sxExport.h>
 
@@ -15,6 +16,10 @@ class sxPlugIn;
 // of all records lets a loader, a script or a plug-in create an object from
 // a class name, find an object by name and enumerate the objects of a class.
 // Class names are compared ignoring case everywhere.
+//
+// Every listed object is in exactly one list, that of its class. The sxBase
+// record lists no object of another class itself: its own instances are the
+// objects of all classes, read list by list, each object once.
 //
 // Classes may be announced first (registerClass) and get their record only
 // when first needed (findType, createInstance, getType of an instance).
@@ -65,7 +70,10 @@ class SX_API sxType : public sxMemory {
   // start, the first such instance after start, which must itself be one of
   // them (otherwise null). A null name finds nothing.
   sxBase* find(const char* name, const sxBase* start, bool recursive) const;
-  // Holds the registry lock across several calls.
+  // Holds the registry lock across several calls, and with it the instance
+  // lists that this record's enumerations read: its own and those of the
+  // classes derived from it (for sxBase, all). Other threads then neither
+  // list nor unlist objects of those classes; the holding thread may.
   void lockInstanceList() const;
   void unlockInstanceList() const;
 
@@ -106,9 +114,19 @@ class SX_API sxType : public sxMemory {
   static constexpr std::uint32_t writableFlag = 1;
   static constexpr std::uint32_t deletePendingFlag = 2;
 
+  // The record whose list holds the objects that carry list id `id`.
+  static sxType* fromListId(std::uint16_t id);
   void removeAt(std::size_t i);
-  sxBase* getRecursive(int& i) const;
+  bool listsAll() const;
+  int countOwn() const;
+  int countListed() const;
   int countRecursive() const;
+  sxBase* getOwn(int& i) const;
+  sxBase* getListed(int& i) const;
+  sxBase* getRecursive(int& i) const;
+  template <class Visit>
+  void forEachCoveredList(Visit visit) const;
+  void deleteIfOrphaned();
 
   char* name;
   std::uint32_t nameHash;
@@ -120,6 +138,10 @@ class SX_API sxType : public sxMemory {
   std::int32_t index;
   CreateFunc createFunc;
   RemoveFunc removeFunc;
+  // Bookkeeping: the id that objects in the instance list carry (0 when
+  // the ids ran out: they are then found by search), and the list's lock.
+  std::uint16_t listId = 0;
+  mutable sxiInstanceLock instanceLock;
 };
 
 // Holds the type registry lock (re-entrant) for a scope, when it exists.
