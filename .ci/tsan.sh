@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # ThreadSanitizer run of the threaded test suites (threads, the events in
-# nodes, concurrent loading in persist, reference counts in object). Builds
-# the library and those suites only, in its own build folder.
+# nodes, concurrent loading in persist, reference counts in object, stack
+# segments in kernel). Builds the library and those suites only, in its own
+# build folder.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -19,7 +20,7 @@ fi
 build=build-tsan-ci
 cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DSXCORE_SANITIZE=thread \
   -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF
-ninja -C "$build" sxTest_threads sxTest_nodes sxTest_persist sxTest_object
+ninja -C "$build" sxTest_threads sxTest_nodes sxTest_persist sxTest_object sxTest_kernel
 
 # ThreadSanitizer needs a memory layout without the kernel's widest address
 # randomisation; setarch -R gives it one where the kernel uses that.
@@ -29,5 +30,5 @@ if command -v setarch >/dev/null && setarch "$(uname -m)" -R true 2>/dev/null; t
 fi
 export TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}"
 cd "$build"
-"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership)\.' \
+"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership|sxDeepStack)\.' \
   --output-on-failure -j2 --timeout 300 --no-tests=error
