@@ -32,6 +32,10 @@ extern ObjectTest deferDeletion;
 // True when the thread that is using obj destroys it itself later.
 // Null: never.
 extern ObjectTest destroysItselfLater;
+// True while downstream threads are linked, so that a released object may
+// still be in some queue. Null: never.
+using Query = bool (*)();
+extern Query pipelineRunning;
 
 // Whole-file import (persistence layer), for the import() of every class.
 // Null: nothing can be imported.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "nodes/sxGroupEdits.h"
+#include "platform/sxDeepStack.h"
 
 SX_DEFINE_CLASS(sxGroup, sxGroupType)
 
@@ -107,7 +108,7 @@ void sxGroup::dirtyUp(unsigned bits) {
   const unsigned flags = travFlags;
   for (int i = 0; i < parents.getNum(); ++i) {
     sxGroup* p = parents.get(i);
-    if ((p->travFlags & flags) != flags) p->dirtyUp(flags);
+    if ((p->travFlags & flags) != flags) sxiDeepCall([&] { p->dirtyUp(flags); });
   }
 }
 
@@ -119,7 +120,10 @@ void sxGroup::cleanUp(unsigned bits) {
   const unsigned clear = bits & ~carried;
   if (!clear) return;
   travFlags = std::uint16_t(travFlags & ~clear);
-  for (int i = 0; i < parents.getNum(); ++i) parents.get(i)->cleanUp(clear);
+  for (int i = 0; i < parents.getNum(); ++i) {
+    sxGroup* p = parents.get(i);
+    sxiDeepCall([&] { p->cleanUp(clear); });
+  }
 }
 
 void sxGroup::removedFrom(sxGroup* parent) {
@@ -133,5 +137,8 @@ void sxGroup::removedFrom(sxGroup* parent) {
   parent->dirtyUp(TRAV_FLAG_UPDATE | TRAV_FLAG_REMOVED);
   addTravFlags(TRAV_FLAG_UPDATE);
   sxiGroupEdits::withdrawFromScenes(parent, this);
-  for (int i = 0; i < children.getNum(); ++i) children[i]->removedFrom(parent);
+  for (int i = 0; i < children.getNum(); ++i) {
+    sxGroup* child = children[i];
+    sxiDeepCall([&] { child->removedFrom(parent); });
+  }
 }

@@ -5,6 +5,7 @@
 
 #include "kernel/sxKernelLocks.h"
 #include "nodes/sxGroupEdits.h"
+#include "platform/sxDeepStack.h"
 
 namespace {
 // The group mapping of the copy in progress: the node at index i of
@@ -80,7 +81,8 @@ void sxGroup::copyOrClone(const sxGroup& src, bool cloning) {
   dirtyUp(travFlags);
   if (cloning) removeChildren();
   for (int i = 0; i < src.children.getNum(); ++i) {
-    sxGroup* made = cloning ? src.children[i]->cloneGroup() : src.children[i]->copyGroup();
+    const sxGroup* from = src.children[i];
+    sxGroup* made = sxiDeepCall([&] { return cloning ? from->cloneGroup() : from->copyGroup(); });
     if (made && !addChild(made)) sxRef<sxGroup> drop(made);
   }
 }
@@ -126,6 +128,7 @@ void sxGroup::updateSharedInstances() {
     }
   }
   for (int i = 0; i < children.getNum(); ++i)
-    if (children[i]->travFlags & TRAV_FLAG_SHARED) children[i]->updateSharedInstances();
+    if (sxGroup* child = children[i]; child->travFlags & TRAV_FLAG_SHARED)
+      sxiDeepCall([&] { child->updateSharedInstances(); });
   removeTravFlags(TRAV_FLAG_SHARED);
 }

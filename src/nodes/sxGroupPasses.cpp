@@ -7,6 +7,10 @@
 #include <sx/traversal/sxTravContext.h>
 #include <sx/viewing/sxCamera.h>
 
+#include <utility>
+
+#include "platform/sxDeepStack.h"
+
 // The recursive passes over a graph. Every call from a group into a child
 // goes through callChild, the one place where a deep graph can be continued
 // on a fresh stack segment.
@@ -15,10 +19,11 @@ namespace {
 
 using State = sxTraverser::TRAV_STATE;
 
-// DEEP GRAPHS: the single entry for every recursive call into a child.
+// The single entry for every recursive call into a child: a deep graph
+// carries on on a fresh stack segment.
 template <class F>
-inline auto callChild(F&& f) {
-  return f();
+inline decltype(auto) callChild(F&& f) {
+  return sxiDeepCall(std::forward<F>(f));
 }
 
 // Asks the memory system for the children before the walk reaches them:

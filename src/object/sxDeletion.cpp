@@ -11,6 +11,8 @@
 namespace {
 // Objects whose deletion has been deferred and not yet carried out.
 constinit std::atomic<int> numRemainingDels{0};
+// Objects in the table, read without the lock by the fast path of release.
+constinit std::atomic<int> numTracked{0};
 
 using Table =
     std::unordered_map<const sxBase*, int, std::hash<const sxBase*>, std::equal_to<const sxBase*>,
@@ -28,28 +30,51 @@ constinit Table* inFlight = nullptr;
 // Trivially destructible: destructions still happen while the library is
 // unloaded, after the thread's own variables are gone. The storage lives
 // only while a cascade runs.
-struct WorkList {
-  static constexpr int maxNesting = 256;
-  int nesting;
-  sxBase** waiting;
+struct Objects {
+  sxBase** items;
   std::size_t count;
   std::size_t capacity;
 
   void push(sxBase* obj) {
     if (count == capacity) {
       std::size_t grown = capacity ? 2 * capacity : 64;
-      auto* p = static_cast<sxBase**>(sxMemory::realloc(waiting, grown * sizeof(sxBase*)));
+      auto* p = static_cast<sxBase**>(sxMemory::realloc(items, grown * sizeof(sxBase*)));
       if (!p) sxMemory::outOfMemory();
-      waiting = p;
+      items = p;
       capacity = grown;
     }
-    waiting[count++] = obj;
+    items[count++] = obj;
   }
+  bool contains(const sxBase* obj) const {
+    for (std::size_t i = 0; i < count; ++i)
+      if (items[i] == obj) return true;
+    return false;
+  }
+  void release() {
+    sxMemory::free(items);
+    *this = Objects{};
+  }
+};
+
+struct WorkList {
+  static constexpr int maxNesting = 256;
+  int nesting;
+  Objects waiting;
+  // Holds (see sxiDeletion::Hold) and the objects parked meanwhile.
+  int holds;
+  Objects parked;
 };
 constinit thread_local WorkList destructions{};
 }  // namespace
 
 void sxiDeletion::release(sxBase* obj) {
+  // Without a pipeline and with nothing in flight the decision needs no
+  // lock: the object dies at once unless it was referenced again.
+  if (numTracked.load(std::memory_order_acquire) == 0 &&
+      !(sxiHooks::pipelineRunning && sxiHooks::pipelineRunning())) {
+    if (obj->refCount.load() <= 0) destroy(obj);
+    return;
+  }
   {
     sxiKernel::LockGuard guard(sxiKernel::baseLock);
     if (obj->refCount.load() > 0 || isTracked(obj)) return;
@@ -77,20 +102,37 @@ int sxiDeletion::pending() {
 void sxiDeletion::destroy(sxBase* obj) {
   if (sxiHooks::destroysItselfLater && sxiHooks::destroysItselfLater(obj)) return;
   WorkList& work = destructions;
+  if (work.holds > 0) {
+    if (!work.parked.contains(obj)) work.parked.push(obj);
+    return;
+  }
   if (work.nesting >= WorkList::maxNesting) {
-    work.push(obj);
+    work.waiting.push(obj);
     return;
   }
   ++work.nesting;
   delete obj;
   if (work.nesting == 1) {
     // Newest first: each waiting object may add more, which it nests.
-    while (work.count > 0) delete work.waiting[--work.count];
-    sxMemory::free(work.waiting);
-    work = WorkList{};
-  } else {
-    --work.nesting;
+    while (work.waiting.count > 0) delete work.waiting.items[--work.waiting.count];
+    work.waiting.release();
   }
+  --work.nesting;
+}
+
+sxiDeletion::Hold::Hold() {
+  ++destructions.holds;
+}
+
+sxiDeletion::Hold::~Hold() {
+  WorkList& work = destructions;
+  if (--work.holds > 0) return;
+  Objects parked = work.parked;
+  work.parked = Objects{};
+  // An object taken again meanwhile lives on; its next release decides.
+  for (std::size_t i = 0; i < parked.count; ++i)
+    if (parked.items[i]->getRefCount() <= 0) destroy(parked.items[i]);
+  parked.release();
 }
 
 void sxiDeletion::deleteNow(sxBase* obj) {
@@ -109,7 +151,7 @@ bool sxiDeletion::isTracked(const sxBase* obj) {
 void sxiDeletion::track(sxBase* obj, int items) {
   if (!inFlight) inFlight = sxNew<Table>();
   if (!inFlight) sxMemory::outOfMemory();
-  (*inFlight)[obj] = items;
+  if (inFlight->insert_or_assign(obj, items).second) numTracked.fetch_add(1);
 }
 
 int sxiDeletion::settle(sxBase* obj, int delta) {
@@ -120,7 +162,7 @@ int sxiDeletion::settle(sxBase* obj, int delta) {
 }
 
 void sxiDeletion::untrack(sxBase* obj) {
-  if (inFlight) inFlight->erase(obj);
+  if (inFlight && inFlight->erase(obj)) numTracked.fetch_sub(1);
 }
 
 void sxiDeletion::cleanUp() {

@@ -33,4 +33,16 @@ struct sxiDeletion {
   static void untrack(sxBase* obj);
   // Frees the table (module unload).
   static void cleanUp();
+
+  // While a Hold lives, objects released on this thread are parked rather
+  // than destroyed, and the last Hold to go destroys those that nobody took
+  // again meanwhile: a traversal whose traverser edits the graph keeps every
+  // node it may still be standing on.
+  class Hold {
+   public:
+    Hold();
+    ~Hold();
+    Hold(const Hold&) = delete;
+    Hold& operator=(const Hold&) = delete;
+  };
 };

@@ -300,4 +300,5 @@ void sxiThreadHooks::install() {
   sxiHooks::releaseLock = [](sxBase* lock) { static_cast<sxLock*>(lock)->release(); };
   sxiHooks::deferDeletion = &sxThread::deferDeletion;
   sxiHooks::destroysItselfLater = &sxThread::destroysItselfLater;
+  sxiHooks::pipelineRunning = [] { return sxThread::getTotalNumDownstreamThreads() != 0; };
 }

@@ -2,6 +2,8 @@
 #include <sx/traversal/sxTravContext.h>
 #include <sx/traversal/sxTraverser.h>
 
+#include "object/sxDeletion.h"
+
 SX_DEFINE_CLASS(sxTraverser)
 
 sxTraverser::sxTraverser(const sxTraverser& source)
@@ -16,6 +18,9 @@ sxTraverser::~sxTraverser() = default;
 void sxTraverser::traverse(sxGroup* root) {
   if (!root) return;
   reset();
+  // A traverser may edit the graph it walks: what it releases lives until
+  // the walk is over, so no group the walk stands on can go.
+  sxiDeletion::Hold hold;
   root->apply(this, false);
 }
 

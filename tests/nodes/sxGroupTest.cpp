@@ -361,3 +361,86 @@ TEST(sxGroup, LongChainsAreDestroyedWithoutExhaustingTheStack) {
 }
 
 }  // namespace
+
+namespace {
+
+struct Counter : sxTraverser {
+  int visits = 0;
+  std::function<void(sxGroup*)> onVisit;
+  TRAV_STATE apply(sxGroup* g) override {
+    ++visits;
+    if (onVisit) onVisit(g);
+    return TRAV_CONTINUE;
+  }
+};
+
+// Each step on a chain 10,000 groups deep, on the stack the test runs on.
+TEST(sxGroup, DeepGraphsGoThroughEveryPass) {
+  constexpr int depth = 10000;
+  sxRef<sxGroup> root(new sxGroup);
+  sxGroup* last = root.get();
+  for (int i = 0; i < depth; ++i) {
+    auto* next = new sxGroup;
+    next->setName("n");
+    ASSERT_TRUE(last->addChild(next));
+    last = next;
+  }
+  sxRef<Counter> counter(new Counter);
+  counter->setTravContext(new sxTravContext);
+  auto countOf = [&](sxGroup* g) {
+    counter->visits = 0;
+    counter->traverse(g);
+    return counter->visits;
+  };
+  EXPECT_EQ(countOf(root.get()), depth + 1);
+  sxRef<sxGroup> copy(root->makeCopy());
+  sxRef<sxGroup> clone(root->makeClone());
+  EXPECT_EQ(countOf(copy.get()), depth + 1);
+  EXPECT_EQ(countOf(clone.get()), depth + 1);
+  EXPECT_EQ(root->findGroup("n", root.get()), root->getChild(0)->getChild(0));
+  sxSphere volume;
+  root->getBoundingVolume(volume);
+  root->update(counter->getTravContext());
+  EXPECT_FALSE(root->anyTravFlags(sxGroup::TRAV_FLAG_UPDATE));
+
+  sxTempDir dir;
+  const std::string path = dir.file("deep.sx");
+  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
+  sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
+  ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
+  EXPECT_EQ(countOf(static_cast<sxGroup*>(loaded.get())), depth + 1);
+  // Detaching the chain's top tells every node below it.
+  sxGroup* top = root->getChild(0);
+  top->ref();
+  root->removeChild(top);
+  EXPECT_TRUE(last->anyTravFlags(sxGroup::TRAV_FLAG_UPDATE));
+  top->unRef();
+}
+
+// A traverser that takes the group it stands on out of the graph: the group
+// lives until the walk is over, and the walk goes on below it.
+TEST(sxGroup, TraverserMayRemoveTheGroupItVisits) {
+  Pool p;
+  sxGroup* root = p.add("root");
+  auto* doomed = new sxGroup;
+  doomed->setName("doomed");
+  root->addChild(doomed);
+  doomed->addChild(new sxGroup);
+  root->addChild(p.add("after"));
+  const int groups = sxGroup::getNum(false);
+  sxRef<Counter> counter(new Counter);
+  counter->setTravContext(new sxTravContext);
+  counter->onVisit = [&](sxGroup* g) {
+    if (g == doomed) {
+      root->removeChild(doomed);
+      EXPECT_EQ(sxGroup::getNum(false), groups);
+    }
+  };
+  counter->traverse(root);
+  // root, doomed and its child; "after" moved into doomed's place.
+  EXPECT_EQ(counter->visits, 3);
+  EXPECT_EQ(sxGroup::getNum(false), groups - 2);
+  EXPECT_EQ(root->getNumChildren(), 1);
+}
+
+}  // namespace

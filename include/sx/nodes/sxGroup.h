@@ -30,9 +30,15 @@ class sxVolume;
 /// Edits take no lock. Edits of a graph that other threads traverse are
 /// bracketed by the scene's modification lock, which the caller takes.
 /// Several threads may traverse one graph at once, each with its own
-/// traversal context. Editing a graph from inside a traverser's apply or
-/// preApply is not supported: the walk holds no reference on the children it
-/// is about to visit. Detach the nodes after the traversal instead.
+/// traversal context.
+///
+/// A traverser may edit the graph it walks from its apply or preApply, on
+/// the walking thread, and it is safe: groups released meanwhile (the group
+/// being visited among them) are destroyed only when sxTraverser::traverse
+/// returns. The walk reads each children list afresh at every step, so a
+/// child added after the current one is visited and one removed before it is
+/// not; removing the current child shifts its next sibling into its place,
+/// and that sibling is skipped in this walk.
 class SX_API sxGroup : public sxBase {
  public:
   SX_CLASS(sxGroup, sxBase)
