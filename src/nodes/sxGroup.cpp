@@ -29,6 +29,7 @@ sxGroup::~sxGroup() {
     p->children.removeOrdered(this);
     parents.removeOrdered(p);
   }
+  sxiGroupEdits::prefetchChildren(this);
   for (int i = children.getNum() - 1; i >= 0; --i) {
     sxGroup* child = children.removeLast();
     child->parents.removeOrdered(this);

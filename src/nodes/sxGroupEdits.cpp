@@ -56,6 +56,7 @@ void sxiGroupEdits::addedToWalk(sxGroup* node, sxGroup* parent) {
     if (f.next >= 0) {
       sxGroup* child = f.node->children[f.next--];
       const Frame next{child, f.node, child->children.getNum() - 1};
+      prefetchChildren(child);
       if (top + 1 == capacity) {
         deep.resize(std::size_t(capacity) * 2);
         if (frames == local) std::copy(local, local + localFrames, deep.begin());

@@ -9,8 +9,23 @@
 // The pieces shared by the group's edits, copies and passes. A friend of
 // sxGroup, so that node kinds' overrides stay the only public way in.
 struct sxiGroupEdits {
-  static sxTList<sxGroup*>& children(sxGroup* g) { return g->children; }
-  static sxParentList& parents(sxGroup* g) { return g->parents; }
+  // Asks the memory system for the children before a pass reaches them: in
+  // a large graph every group is a cache miss, and the wait for one child
+  // then overlaps the work on its elder siblings.
+  static void prefetchChildren(const sxGroup* g) {
+#if defined(__GNUC__)
+    const int n = g->children.getNum() < 16 ? g->children.getNum() : 16;
+    for (int i = 0; i < n; ++i) __builtin_prefetch(g->children[i]);
+#else
+    (void)g;
+#endif
+  }
+  static sxTList<sxGroup*>& children(sxGroup* g) {
+    return g->children;
+  }
+  static sxParentList& parents(sxGroup* g) {
+    return g->parents;
+  }
 
   // The added-to walk over node's sub-graph, then node->addedTo(parent):
   // every node below receives addedTo, deepest first, children from the

@@ -9,6 +9,7 @@
 
 #include <utility>
 
+#include "nodes/sxGroupEdits.h"
 #include "platform/sxDeepStack.h"
 
 // The recursive passes over a graph. Every call from a group into a child
@@ -24,18 +25,6 @@ using State = sxTraverser::TRAV_STATE;
 template <class F>
 inline decltype(auto) callChild(F&& f) {
   return sxiDeepCall(std::forward<F>(f));
-}
-
-// Asks the memory system for the children before the walk reaches them:
-// in a large graph every group is a cache miss, and the wait for one child
-// then overlaps the walk of its elder siblings.
-inline void prefetchChildren(const sxGroup* g) {
-#if defined(__GNUC__)
-  const int n = g->getNumChildren() < 16 ? g->getNumChildren() : 16;
-  for (int i = 0; i < n; ++i) __builtin_prefetch(g->getChild(i));
-#else
-  (void)g;
-#endif
 }
 
 void count(sxTravContext* ctx, const sxGroup* g) {
@@ -73,7 +62,7 @@ sxTraverser::TRAV_STATE sxGroup::apply(sxTraverser* t, bool skipPreApply) {
   // A stop leaves the path on the context for the application to inspect.
   if (s == sxTraverser::TRAV_STOP) return s;
   if (s == sxTraverser::TRAV_CONTINUE) {
-    prefetchChildren(this);
+    sxiGroupEdits::prefetchChildren(this);
     for (int i = 0; i < children.getNum(); ++i) {
       sxGroup* child = children[i];
       if (callChild([&] { return child->apply(t, false); }) == sxTraverser::TRAV_STOP)
@@ -113,7 +102,7 @@ void sxGroup::updateDirect(sxScene*, bool) {}
 void sxGroup::update(sxTravContext* ctx) {
   if (ctx) count(ctx, this);
   travFlags &= TRAV_KEPT_BY_UPDATE;
-  prefetchChildren(this);
+  sxiGroupEdits::prefetchChildren(this);
   for (int i = 0; i < children.getNum(); ++i) {
     sxGroup* child = children[i];
     if (child->travFlags & TRAV_UPDATE_MASK) callChild([&] { child->update(ctx); });
@@ -122,7 +111,7 @@ void sxGroup::update(sxTravContext* ctx) {
 
 void sxGroup::updateFences(sxTravContext* ctx) {
   travFlags &= std::uint16_t(~TRAV_FLAG_FENCES);
-  prefetchChildren(this);
+  sxiGroupEdits::prefetchChildren(this);
   for (int i = 0; i < children.getNum(); ++i) {
     sxGroup* child = children[i];
     callChild([&] { child->updateFences(ctx); });
