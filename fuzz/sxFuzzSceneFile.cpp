@@ -18,6 +18,7 @@
 #include <cstdio>
 #include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 namespace {
@@ -65,16 +66,24 @@ void walkPrimitives(sxEntry* e) {
 // Objects made from a file that are still alive once everything is
 // released must be cycles: each held only by the others' attributes.
 // Anything else is a leak. Cycles are left to the leak checker as in use.
-void checkLeftovers(int before) {
+// The objects alive now. The sxBase list is the union of the class lists,
+// so a new object may come before old ones in it.
+std::unordered_set<sxBase*> liveObjects() {
   sxType* base = sxBase::getClassType();
-  int after = base->getNum(false);
-  if (after <= before) return;
+  std::unordered_set<sxBase*> live;
+  for (int i = 0, n = base->getNum(false); i < n; ++i) live.insert(base->get(i, false));
+  return live;
+}
+
+void checkLeftovers(const std::unordered_set<sxBase*>& before) {
+  std::vector<sxBase*> made;
+  for (sxBase* obj : liveObjects())
+    if (!before.count(obj)) made.push_back(obj);
   std::unordered_map<const sxBase*, int> incoming;
-  for (int i = before; i < after; ++i)
-    if (const sxTList<sxBase*>* list = base->get(i, false)->getAttribList())
+  for (sxBase* obj : made)
+    if (const sxTList<sxBase*>* list = obj->getAttribList())
       for (sxBase* a : *list) ++incoming[a];
-  for (int i = before; i < after; ++i) {
-    sxBase* obj = base->get(i, false);
+  for (sxBase* obj : made) {
     if (obj->getRefCount() != incoming[obj]) {
       std::fprintf(stderr, "object %p kept by %d references, %d from cycles\n",
                    static_cast<void*>(obj), obj->getRefCount(), incoming[obj]);
@@ -87,7 +96,7 @@ void checkLeftovers(int before) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  int before = sxBase::getClassType()->getNum(false);
+  const std::unordered_set<sxBase*> before = liveObjects();
   const std::string& path = scratchPath();
   if (std::FILE* out = std::fopen(path.c_str(), "wb")) {
     std::fwrite(data, 1, size, out);

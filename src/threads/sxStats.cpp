@@ -37,13 +37,6 @@ void sxStats::incCount(const sxTravTrait* trait) {
   if (trait) count(travCounts, trait->getTraitIndex());
 }
 
-void sxStats::incCount(const sxGroup* group) {
-  if (!group) return;
-  const sxType* type = group->getType();
-  if (type != lastGroupType) countGroupOfType(type);
-  count(groupCounts, lastGroupIndex);
-}
-
 void sxStats::countGroupOfType(const sxType* type) {
   const auto* indexed = dynamic_cast<const sxIndexedType*>(type);
   lastGroupType = type;

@@ -45,18 +45,6 @@ void sxTravContext::reset() {
   if (traitStack) traitStack->reset(true);
 }
 
-bool sxTravContext::pushGroup(const sxGroup* group) {
-  if (!travStack.push(group)) return false;
-  if (group && group->getName()) namedTravStack.push(group);
-  return true;
-}
-
-const sxGroup* sxTravContext::popGroup() {
-  const sxGroup* group = travStack.pop();
-  if (group && group->getName()) namedTravStack.pop();
-  return group;
-}
-
 void sxTravContext::setTransparencyFlags() {
   if (allFlags(0x0002 | 0x0004) || allFlags(0x0001 | 0x0008))
     flags |= FLAG_TRANSPARENCY;

@@ -83,10 +83,12 @@ class sxVecArith {
       return o - tol <= c && c <= o + tol;
     });
   }
-  bool operator==(const D& v) const {
-    return all([&](int i) { return self()[i] == v[i]; });
+  // Hidden friends on the derived type, so that C++20's reversed candidates
+  // do not make a == b ambiguous.
+  friend bool operator==(const D& a, const D& b) {
+    return sxVecArith::all([&](int i) { return a[i] == b[i]; });
   }
-  bool operator!=(const D& v) const { return !(*this == v); }
+  friend bool operator!=(const D& a, const D& b) { return !(a == b); }
 
   D operator+(const D& v) const {
     return make([&](D& r) { r.add(self(), v); });

@@ -2,6 +2,7 @@
 
 #include <vector>
 
+#include <sx/nodes/sxGroup.h>
 #include <sx/object/sxBase.h>
 
 class sxAudioTrait;
@@ -36,7 +37,13 @@ class SX_API sxStats : public sxBase {
   void incCount(const sxTravTrait* trait);
   /// Counts one traversal of the group for its type (on the path of every
   /// traversal: a virtual call and a comparison in the common case).
-  void incCount(const sxGroup* group);
+  /// Inline: every group of every walk is counted.
+  void incCount(const sxGroup* group) {
+    if (!group) return;
+    const sxType* type = group->getType();
+    if (type != lastGroupType) countGroupOfType(type);
+    count(groupCounts, lastGroupIndex);
+  }
 
   /// The count of that type; 0 for null and a type beyond the arrays.
   int getCount(const sxVisualTraitType* type) const;

@@ -5,6 +5,7 @@
 #include <sx/containers/sxStack.h>
 #include <sx/math/sxMatrixStack.h>
 #include <sx/math/sxVolume.h>
+#include <sx/nodes/sxGroup.h>
 #include <sx/object/sxBase.h>
 #include <sx/object/sxRef.h>
 #include <sx/threads/sxStats.h>
@@ -56,9 +57,18 @@ class SX_API sxTravContext : public sxBase {
   // The path.
   /// Pushes onto the path and, when the group has a name, onto the named
   /// path. False (nothing pushed) when the path is full.
-  bool pushGroup(const sxGroup* group);
+  /// Inline: every group of every walk comes through here.
+  bool pushGroup(const sxGroup* group) {
+    if (!travStack.push(group)) return false;
+    if (group && group->getName()) namedTravStack.push(group);
+    return true;
+  }
   /// The popped group; null on an empty path.
-  const sxGroup* popGroup();
+  const sxGroup* popGroup() {
+    const sxGroup* group = travStack.pop();
+    if (group && group->getName()) namedTravStack.pop();
+    return group;
+  }
   const sxGroup* getGroup() const { return travStack.getTop(); }
   const sxTravStack* getTravStack() const { return &travStack; }
   const sxTravStack* getNamedTravStack() const { return &namedTravStack; }
