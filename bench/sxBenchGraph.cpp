@@ -7,6 +7,8 @@
 #include "sxBenchMain.h"
 #include "sxBenchTree.h"
 
+#include <cstdio>
+
 namespace {
 
 void perNode(benchmark::State& state, long nodes) {
@@ -84,6 +86,30 @@ void BM_TreeCopy(benchmark::State& state) {
   perNode(state, sxbench::treeSize(depth));
 }
 BENCHMARK(BM_TreeCopy)->Arg(5)->Arg(6)->Unit(benchmark::kMillisecond);
+
+// The whole tree through a scene file and back.
+void BM_TreeFile(benchmark::State& state) {
+  const bool exporting = state.range(0) == 0;
+  const char* path = "sxBenchGraph.sx";
+  sxGroup* root = sxbench::buildGroupTree(6);
+  root->ref();
+  if (!sxLoader::exportFile(root, path)) state.SkipWithError("export failed");
+  for (auto _ : state) {
+    if (exporting) {
+      sxLoader::exportFile(root, path);
+    } else {
+      sxBase* loaded = sxLoader::importFile(path);
+      state.PauseTiming();
+      if (!loaded) state.SkipWithError("import failed");
+      sxRef<sxBase> drop(loaded);
+      drop.reset();
+      state.ResumeTiming();
+    }
+  }
+  root->unRef();
+  std::remove(path);
+}
+BENCHMARK(BM_TreeFile)->Arg(0)->Arg(1)->Iterations(3)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 
