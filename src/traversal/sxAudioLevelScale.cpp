@@ -9,14 +9,4 @@ void sxAudioLevelScale::apply(sxListener* target) const {
   target->setAudioLevelScale(scale);
 }
 
-bool sxAudioLevelScale::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxAudioLevelScale::scale);
-}
-
-sxEntry* sxAudioLevelScale::write(sxFile* file, sxEntry* entry) const {
-  return writeWithValue(file, entry, scale);
-}
-
-sxEntry* sxAudioLevelScale::read(sxFile* file, sxEntry* entry) {
-  return readWithValue(file, entry, scale);
-}
+SX_DEFINE_VALUE_TRAIT(sxAudioLevelScale, scale, float)

@@ -9,14 +9,4 @@ void sxAudioPriorityScale::apply(sxListener* target) const {
   target->setPriorityScale(scale);
 }
 
-bool sxAudioPriorityScale::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxAudioPriorityScale::scale);
-}
-
-sxEntry* sxAudioPriorityScale::write(sxFile* file, sxEntry* entry) const {
-  return writeWithValue(file, entry, scale);
-}
-
-sxEntry* sxAudioPriorityScale::read(sxFile* file, sxEntry* entry) {
-  return readWithValue(file, entry, scale);
-}
+SX_DEFINE_VALUE_TRAIT(sxAudioPriorityScale, scale, float)

@@ -9,17 +9,4 @@ void sxColliderMask::apply(sxTravContext* context) const {
   context->setColliderMask(mask);
 }
 
-bool sxColliderMask::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxColliderMask::mask);
-}
-
-sxEntry* sxColliderMask::write(sxFile* file, sxEntry* entry) const {
-  return writeWithValue(file, entry, int(mask));
-}
-
-sxEntry* sxColliderMask::read(sxFile* file, sxEntry* entry) {
-  int value = int(mask);
-  sxEntry* e = readWithValue(file, entry, value);
-  mask = unsigned(value);
-  return e;
-}
+SX_DEFINE_VALUE_TRAIT(sxColliderMask, mask, int)

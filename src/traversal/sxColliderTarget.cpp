@@ -9,17 +9,4 @@ void sxColliderTarget::apply(sxTravContext* context) const {
   context->setFlags((context->getFlags() & ~0x70000u) | targets);
 }
 
-bool sxColliderTarget::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxColliderTarget::targets);
-}
-
-sxEntry* sxColliderTarget::write(sxFile* file, sxEntry* entry) const {
-  return writeWithValue(file, entry, int(targets));
-}
-
-sxEntry* sxColliderTarget::read(sxFile* file, sxEntry* entry) {
-  int value = int(targets);
-  sxEntry* e = readWithValue(file, entry, value);
-  targets = unsigned(value);
-  return e;
-}
+SX_DEFINE_VALUE_TRAIT(sxColliderTarget, targets, int)

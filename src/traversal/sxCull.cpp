@@ -9,17 +9,4 @@ void sxCull::apply(sxTravContext* context) const {
   context->setFlags((context->getFlags() & ~0x5500u) | mask);
 }
 
-bool sxCull::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxCull::mask);
-}
-
-sxEntry* sxCull::write(sxFile* file, sxEntry* entry) const {
-  return writeWithValue(file, entry, int(mask));
-}
-
-sxEntry* sxCull::read(sxFile* file, sxEntry* entry) {
-  int value = int(mask);
-  sxEntry* e = readWithValue(file, entry, value);
-  mask = unsigned(value);
-  return e;
-}
+SX_DEFINE_VALUE_TRAIT(sxCull, mask, int)

@@ -300,6 +300,21 @@ void sxTraitStack::applyVisualTraitStacks(sxCamera* camera) {
   changedTypes.clear();
 }
 
+void sxTraitStack::applyDefault(int i, sxCamera* camera) {
+  const sxVisualTrait* d = defaultOf(visual, i);
+  countAndApply(d, camera);
+  if (d) visual.applied[std::size_t(i)] = d;
+}
+
+// The defaults of the types marked non-default; the marks are cleared.
+void sxTraitStack::applyMarkedDefaults(sxCamera* camera) {
+  for (int k = 0; k < nonDefaultTypes.list.getNum(); ++k) {
+    int i = nonDefaultTypes.list[k];
+    if (nonDefaultTypes.contains(i)) applyDefault(i, camera);
+  }
+  nonDefaultTypes.clear();
+}
+
 void sxTraitStack::applyTraits(sxCamera* camera, int n, const sxVisualTrait** traits) {
   ++visualChangeCounter;
   if (!traits) n = 0;
@@ -307,14 +322,7 @@ void sxTraitStack::applyTraits(sxCamera* camera, int n, const sxVisualTrait** tr
     int i = indexIn(visual, traits[k]);
     if (i >= 0 && visual.applied[std::size_t(i)] != traits[k]) nonDefaultTypes.remove(i);
   }
-  for (int k = 0; k < nonDefaultTypes.list.getNum(); ++k) {
-    int i = nonDefaultTypes.list[k];
-    if (!nonDefaultTypes.contains(i)) continue;
-    const sxVisualTrait* d = defaultOf(visual, i);
-    countAndApply(d, camera);
-    if (d) visual.applied[std::size_t(i)] = d;
-  }
-  nonDefaultTypes.clear();
+  applyMarkedDefaults(camera);
   for (int k = 0; k < n; ++k) {
     int i = indexIn(visual, traits[k]);
     if (i < 0 || visual.applied[std::size_t(i)] == traits[k]) continue;
@@ -325,22 +333,11 @@ void sxTraitStack::applyTraits(sxCamera* camera, int n, const sxVisualTrait** tr
 
 void sxTraitStack::applyDefaultVisualTraits(sxCamera* camera) {
   ++visualChangeCounter;
-  for (int k = 0; k < nonDefaultTypes.list.getNum(); ++k) {
-    int i = nonDefaultTypes.list[k];
-    if (!nonDefaultTypes.contains(i)) continue;
-    const sxVisualTrait* d = defaultOf(visual, i);
-    countAndApply(d, camera);
-    if (d) visual.applied[std::size_t(i)] = d;
-  }
-  nonDefaultTypes.clear();
+  applyMarkedDefaults(camera);
 }
 
 void sxTraitStack::applyAllDefaultVisualTraits(sxCamera* camera) {
-  for (int i = 0; i < visual.numTypes; ++i) {
-    const sxVisualTrait* d = defaultOf(visual, i);
-    countAndApply(d, camera);
-    if (d) visual.applied[std::size_t(i)] = d;
-  }
+  for (int i = 0; i < visual.numTypes; ++i) applyDefault(i, camera);
   nonDefaultTypes.clear();
 }
 

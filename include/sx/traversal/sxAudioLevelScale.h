@@ -10,13 +10,9 @@ class SX_API sxAudioLevelScale : public sxAudioTrait {
   sxAudioLevelScale() = default;
 
   void apply(sxListener* target) const override;
-  bool isEqual(const sxTrait* other) const override;
+  SX_VALUE_TRAIT_OVERRIDES
   virtual void set(float value) { scale = value; }
   float get() const { return scale; }
-
-  /// The trait fields, then the value as a float.
-  sxEntry* read(sxFile* file, sxEntry* entry) override;
-  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
  private:
   float scale = 1.0f;

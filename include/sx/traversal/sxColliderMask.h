@@ -10,14 +10,10 @@ class SX_API sxColliderMask : public sxTravTrait {
   sxColliderMask() = default;
 
   void apply(sxTravContext* context) const override;
-  bool isEqual(const sxTrait* other) const override;
+  SX_VALUE_TRAIT_OVERRIDES
   /// Stored as given.
   virtual void setMask(unsigned value) { mask = value; }
   unsigned getMask() const { return mask; }
-
-  /// The trait fields, then the value as an int.
-  sxEntry* read(sxFile* file, sxEntry* entry) override;
-  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
  private:
   unsigned mask = 0xFFFFFFFFu;

@@ -10,14 +10,10 @@ class SX_API sxColliderTarget : public sxTravTrait {
   sxColliderTarget() = default;
 
   void apply(sxTravContext* context) const override;
-  bool isEqual(const sxTrait* other) const override;
+  SX_VALUE_TRAIT_OVERRIDES
   /// Keeps only the target bits 0x70000.
   virtual void setTargets(unsigned value) { targets = value & 0x70000u; }
   unsigned getTargets() const { return targets; }
-
-  /// The trait fields, then the value as an int.
-  sxEntry* read(sxFile* file, sxEntry* entry) override;
-  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
  private:
   unsigned targets = 0x70000u;

@@ -10,15 +10,11 @@ class SX_API sxCull : public sxTravTrait {
   sxCull() = default;
 
   void apply(sxTravContext* context) const override;
-  bool isEqual(const sxTrait* other) const override;
+  SX_VALUE_TRAIT_OVERRIDES
   /// Stored as given: bits outside 0x5500 are set in the flags too and no
   /// other cull trait clears them.
   virtual void setMask(unsigned value) { mask = value; }
   unsigned getMask() const { return mask; }
-
-  /// The trait fields, then the value as an int.
-  sxEntry* read(sxFile* file, sxEntry* entry) override;
-  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
  private:
   unsigned mask = 0x1500u;

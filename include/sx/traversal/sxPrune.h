@@ -10,14 +10,10 @@ class SX_API sxPrune : public sxTravTrait {
   sxPrune() = default;
 
   void apply(sxTravContext* context) const override;
-  bool isEqual(const sxTrait* other) const override;
+  SX_VALUE_TRAIT_OVERRIDES
   /// A style whose traits leave the prune bit set is not entered.
   virtual void enable(bool value) { enabled = value; }
   bool isEnabled() const { return enabled; }
-
-  /// The trait fields, then the value as an int.
-  sxEntry* read(sxFile* file, sxEntry* entry) override;
-  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
  private:
   bool enabled = false;

@@ -62,3 +62,27 @@ class SX_API sxTrait : public sxBase {
   std::int16_t applyMode = MODE_NORMAL;
   std::int16_t shareable = 1;
 };
+
+/// In the class body of a trait that carries one value: declares its
+/// comparison and its persistence (the trait fields, then the value), which
+/// SX_DEFINE_VALUE_TRAIT defines.
+#define SX_VALUE_TRAIT_OVERRIDES                        \
+  bool isEqual(const sxTrait* other) const override;    \
+  sxEntry* read(sxFile* file, sxEntry* entry) override; \
+  sxEntry* write(sxFile* file, sxEntry* entry) const override;
+
+/// In the source of such a trait: its value is the member field, stored in
+/// the file as Stored (int or float).
+#define SX_DEFINE_VALUE_TRAIT(Class, field, Stored)           \
+  bool Class::isEqual(const sxTrait* other) const {           \
+    return isEqualValue(other, &Class::field);                \
+  }                                                           \
+  sxEntry* Class::write(sxFile* file, sxEntry* entry) const { \
+    return writeWithValue(file, entry, Stored(field));        \
+  }                                                           \
+  sxEntry* Class::read(sxFile* file, sxEntry* entry) {        \
+    Stored value = Stored(field);                             \
+    sxEntry* e = readWithValue(file, entry, value);           \
+    field = static_cast<decltype(field)>(value);              \
+    return e;                                                 \
+  }

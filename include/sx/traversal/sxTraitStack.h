@@ -167,6 +167,8 @@ class SX_API sxTraitStack : public sxBase {
  private:
   bool reallocArrays();
   void countAndApply(const sxVisualTrait* trait, sxCamera* camera);
+  void applyDefault(int typeIndex, sxCamera* camera);
+  void applyMarkedDefaults(sxCamera* camera);
 
   sxTraitStackFamily<sxVisualTrait> visual;
   int visualChangeCounter = 0;
