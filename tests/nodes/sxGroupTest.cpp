@@ -78,6 +78,17 @@ std::string unfolded(const sxGroup* g) {
   return out + ")";
 }
 
+// The graph below root exported to a file and imported again; null when
+// either fails or the file's root is no group.
+sxRef<sxGroup> throughFile(sxGroup* root) {
+  sxTempDir dir;
+  const std::string path = dir.file("graph.sx");
+  sxRef<sxBase> loaded;
+  if (sxLoader::exportFile(root, path.c_str())) loaded = sxLoader::importFile(path.c_str());
+  if (!loaded || !loaded->isOfType(sxGroup::getClassType())) return {};
+  return sxRef<sxGroup>(static_cast<sxGroup*>(loaded.get()));
+}
+
 // A content bit owned by a leaf kind, as geometry owns 0x0200.
 struct ContentLeaf : sxGroup {
   ContentLeaf() { addTravFlags(0x0200); }
@@ -246,7 +257,6 @@ TEST(sxGroup, FindGroupReturnsTheSecondMatchWhenGivenAStart) {
 // Random graphs with shared instances, each through a file, a copy, a
 // clone, the shared-instance pass and a run of random edits.
 TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
-  sxTempDir dir;
   std::mt19937 rng(20261124);
   for (int round = 0; round < 30; ++round) {
     Pool p;
@@ -262,11 +272,9 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
     sxGroup* root = p[0];
     expectConsistent(root);
 
-    const std::string path = dir.file("graph.sx");
-    ASSERT_TRUE(sxLoader::exportFile(root, path.c_str()));
-    sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
-    ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
-    EXPECT_EQ(shape(static_cast<sxGroup*>(loaded.get())), shape(root)) << round;
+    sxRef<sxGroup> loaded = throughFile(root);
+    ASSERT_TRUE(loaded);
+    EXPECT_EQ(shape(loaded.get()), shape(root)) << round;
 
     for (bool cloning : {false, true}) {
       sxRef<sxGroup> made(cloning ? root->makeClone() : root->makeCopy());
@@ -365,8 +373,14 @@ TEST(sxGroup, LongChainsAreDestroyedWithoutExhaustingTheStack) {
 namespace {
 
 struct Counter : sxTraverser {
+  Counter() { setTravContext(new sxTravContext); }
   int visits = 0;
   std::function<void(sxGroup*)> onVisit;
+  int count(sxGroup* g) {
+    visits = 0;
+    traverse(g);
+    return visits;
+  }
   TRAV_STATE apply(sxGroup* g) override {
     ++visits;
     if (onVisit) onVisit(g);
@@ -386,29 +400,19 @@ TEST(sxGroup, DeepGraphsGoThroughEveryPass) {
     last = next;
   }
   sxRef<Counter> counter(new Counter);
-  counter->setTravContext(new sxTravContext);
-  auto countOf = [&](sxGroup* g) {
-    counter->visits = 0;
-    counter->traverse(g);
-    return counter->visits;
-  };
-  EXPECT_EQ(countOf(root.get()), depth + 1);
+  EXPECT_EQ(counter->count(root.get()), depth + 1);
   sxRef<sxGroup> copy(root->makeCopy());
   sxRef<sxGroup> clone(root->makeClone());
-  EXPECT_EQ(countOf(copy.get()), depth + 1);
-  EXPECT_EQ(countOf(clone.get()), depth + 1);
+  EXPECT_EQ(counter->count(copy.get()), depth + 1);
+  EXPECT_EQ(counter->count(clone.get()), depth + 1);
   EXPECT_EQ(root->findGroup("n", root.get()), root->getChild(0)->getChild(0));
   sxSphere volume;
   root->getBoundingVolume(volume);
   root->update(counter->getTravContext());
   EXPECT_FALSE(root->anyTravFlags(sxGroup::TRAV_FLAG_UPDATE));
-
-  sxTempDir dir;
-  const std::string path = dir.file("deep.sx");
-  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
-  sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
-  EXPECT_EQ(countOf(static_cast<sxGroup*>(loaded.get())), depth + 1);
+  sxRef<sxGroup> loaded = throughFile(root.get());
+  ASSERT_TRUE(loaded);
+  EXPECT_EQ(counter->count(loaded.get()), depth + 1);
   // Detaching the chain's top tells every node below it.
   sxGroup* top = root->getChild(0);
   top->ref();
@@ -429,16 +433,14 @@ TEST(sxGroup, TraverserMayRemoveTheGroupItVisits) {
   root->addChild(p.add("after"));
   const int groups = sxGroup::getNum(false);
   sxRef<Counter> counter(new Counter);
-  counter->setTravContext(new sxTravContext);
   counter->onVisit = [&](sxGroup* g) {
     if (g == doomed) {
       root->removeChild(doomed);
       EXPECT_EQ(sxGroup::getNum(false), groups);
     }
   };
-  counter->traverse(root);
   // root, doomed and its child; "after" moved into doomed's place.
-  EXPECT_EQ(counter->visits, 3);
+  EXPECT_EQ(counter->count(root), 3);
   EXPECT_EQ(sxGroup::getNum(false), groups - 2);
   EXPECT_EQ(root->getNumChildren(), 1);
 }
