@@ -5,6 +5,7 @@
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 
+#include <cstdarg>
 #include <cstdio>
 #include <cstring>
 #include <mutex>
@@ -61,11 +62,13 @@ const char* extensionOf(const char* path) {
 }
 
 // A failure of this layer: the code and a sentence naming the file.
-template <class... Args>
-void report(sxLoader::LOADER_ERROR code, const char* format, Args... args) {
+[[gnu::format(printf, 2, 3)]] void report(sxLoader::LOADER_ERROR code, const char* format, ...) {
   lastError.code = code;
   lastError.hasMessage = true;
-  std::snprintf(lastError.message, sizeof lastError.message, format, args...);
+  std::va_list args;
+  va_start(args, format);
+  std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
+  va_end(args);
 }
 
 // Starts an import or export: no error, an empty message.
