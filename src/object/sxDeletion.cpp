@@ -45,11 +45,6 @@ struct Objects {
     }
     items[count++] = obj;
   }
-  bool contains(const sxBase* obj) const {
-    for (std::size_t i = 0; i < count; ++i)
-      if (items[i] == obj) return true;
-    return false;
-  }
   void release() {
     sxMemory::free(items);
     *this = Objects{};
@@ -102,8 +97,14 @@ int sxiDeletion::pending() {
 void sxiDeletion::destroy(sxBase* obj) {
   if (sxiHooks::destroysItselfLater && sxiHooks::destroysItselfLater(obj)) return;
   WorkList& work = destructions;
-  if (work.holds > 0) {
-    if (!work.parked.contains(obj)) work.parked.push(obj);
+  // A plain last release (count 0) while a hold lasts: the object is kept
+  // with a reference of the hold's own, given back when the hold ends. So it
+  // can be taken again and released again meanwhile, and one parked object
+  // may release another at the end, without any being looked at after it
+  // is gone.
+  if (work.holds > 0 && obj->getRefCount() == 0) {
+    obj->ref();
+    work.parked.push(obj);
     return;
   }
   if (work.nesting >= WorkList::maxNesting) {
@@ -129,9 +130,8 @@ sxiDeletion::Hold::~Hold() {
   if (--work.holds > 0) return;
   Objects parked = work.parked;
   work.parked = Objects{};
-  // An object taken again meanwhile lives on; its next release decides.
-  for (std::size_t i = 0; i < parked.count; ++i)
-    if (parked.items[i]->getRefCount() <= 0) destroy(parked.items[i]);
+  // An object taken again meanwhile lives on with the references taken.
+  for (std::size_t i = 0; i < parked.count; ++i) parked.items[i]->unRef();
   parked.release();
 }
 

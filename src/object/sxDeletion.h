@@ -34,10 +34,10 @@ struct sxiDeletion {
   // Frees the table (module unload).
   static void cleanUp();
 
-  // While a Hold lives, objects released on this thread are parked rather
-  // than destroyed, and the last Hold to go destroys those that nobody took
-  // again meanwhile: a traversal whose traverser edits the graph keeps every
-  // node it may still be standing on.
+  // While a Hold lives, objects whose last reference goes on this thread are
+  // kept with a reference of the hold's, which the last Hold to go gives
+  // back (destroying those that nobody took again meanwhile): a traversal whose traverser edits the
+  // graph keeps every node it may still be standing on.
   class Hold {
    public:
     Hold();

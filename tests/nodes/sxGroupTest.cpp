@@ -436,6 +436,11 @@ TEST(sxGroup, TraverserMayRemoveTheGroupItVisits) {
   counter->onVisit = [&](sxGroup* g) {
     if (g == doomed) {
       root->removeChild(doomed);
+      // Released after doomed, then taken back by it: it must go with
+      // doomed at the end of the walk, not be looked at after that.
+      sxGroup* below = doomed->getChild(0);
+      doomed->removeChild(below);
+      doomed->addChild(below);
       EXPECT_EQ(sxGroup::getNum(false), groups);
     }
   };
