@@ -2,8 +2,6 @@
 #include <sx/nodes/sxGroup.h>
 #include <sx/nodes/sxGroupType.h>
 
-#include <vector>
-
 #include "nodes/sxGroupEdits.h"
 #include "platform/sxDeepStack.h"
 
@@ -38,7 +36,6 @@ sxGroup::~sxGroup() {
     formerParentDying = false;
     child->unRef();
   }
-  children.setSize(0);
 }
 
 // --- queries
@@ -57,14 +54,7 @@ bool sxGroup::hasDescendant(sxGroup* node) const {
 }
 
 bool sxGroup::hasDescendantOfType(sxType* type) const {
-  std::vector<const sxGroup*, sxAllocator<const sxGroup*>> todo{this};
-  while (!todo.empty()) {
-    const sxGroup* g = todo.back();
-    todo.pop_back();
-    if (g->isOfType(type)) return true;
-    for (int i = 0, n = g->children.getNum(); i < n; ++i) todo.push_back(g->children[i]);
-  }
-  return false;
+  return sxiGroupEdits::depthFirst(this, false, [type](sxGroup* g) { return g->isOfType(type); });
 }
 
 sxGroup* sxGroup::findGroup(const char* name, const sxGroup* start) {
@@ -72,20 +62,14 @@ sxGroup* sxGroup::findGroup(const char* name, const sxGroup* start) {
   return findGroupRec(name, start, found);
 }
 
-// Pre-order with an explicit stack: a graph of any depth can be searched.
 sxGroup* sxGroup::findGroupRec(const char* name, const sxGroup* start, bool& found) {
   if (!name) return nullptr;
-  std::vector<sxGroup*, sxAllocator<sxGroup*>> todo{this};
-  while (!todo.empty()) {
-    sxGroup* g = todo.back();
-    todo.pop_back();
-    if (g->getName() && sxStrcmp(name, g->getName(), true) == 0) {
-      if (!start || found) return g;
-      found = true;
-    }
-    for (int i = g->children.getNum() - 1; i >= 0; --i) todo.push_back(g->children[i]);
-  }
-  return nullptr;
+  return sxiGroupEdits::depthFirst(this, true, [&](sxGroup* g) {
+    if (!g->getName() || sxStrcmp(name, g->getName(), true) != 0) return false;
+    if (!start || found) return true;
+    found = true;
+    return false;
+  });
 }
 
 // --- flags and notifications

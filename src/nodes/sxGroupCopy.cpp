@@ -1,8 +1,6 @@
 #include <sx/nodes/sxActionNode.h>
 #include <sx/nodes/sxGroup.h>
 
-#include <vector>
-
 #include "kernel/sxKernelLocks.h"
 #include "nodes/sxGroupEdits.h"
 #include "platform/sxDeepStack.h"
@@ -32,16 +30,13 @@ void sxGroup::addGroupMapping(const sxGroup* from, sxGroup* to) {
   newGroups.add(to);
 }
 
-// Depth first, children from the last to the first, with an explicit stack.
+// Depth first, children from the last to the first.
 void sxGroup::resolveGroupMapping(sxGroup* node) {
-  if (!node) return;
-  std::vector<sxGroup*, sxAllocator<sxGroup*>> todo{node};
-  while (!todo.empty()) {
-    sxGroup* g = todo.back();
-    todo.pop_back();
-    resolveActions(g);
-    for (int i = 0; i < g->children.getNum(); ++i) todo.push_back(g->children[i]);
-  }
+  if (node)
+    sxiGroupEdits::depthFirst(node, false, [](sxGroup* g) {
+      resolveActions(g);
+      return false;
+    });
 }
 
 sxGroup* sxGroup::copyGroup() const {
@@ -98,10 +93,7 @@ sxGroup* sxGroup::makeClone() const {
 sxGroup* sxGroup::makeCopyOrClone(bool cloning) const {
   sxiKernel::LockGuard guard(sxiKernel::groupLock);
   sxGroup* made = cloning ? cloneGroup() : copyGroup();
-  if (made) {
-    resolveActions(made);
-    for (int i = made->children.getNum() - 1; i >= 0; --i) resolveGroupMapping(made->children[i]);
-  }
+  resolveGroupMapping(made);
   clearMapping();
   return made;
 }

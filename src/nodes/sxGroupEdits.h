@@ -56,6 +56,26 @@ struct sxiGroupEdits {
   // above parent.
   static void withdrawFromScenes(sxGroup* parent, sxGroup* node);
 
+  // Depth first from root, each node before its children, the children in
+  // order (pre-order) or from the last to the first. Returns the first node
+  // for which visit answers true, null when none does. An explicit stack,
+  // so that a graph of any depth can be walked.
+  template <class Visit>
+  static sxGroup* depthFirst(const sxGroup* root, bool childrenInOrder, Visit&& visit) {
+    std::vector<sxGroup*, sxAllocator<sxGroup*>> todo{const_cast<sxGroup*>(root)};
+    while (!todo.empty()) {
+      sxGroup* g = todo.back();
+      todo.pop_back();
+      if (visit(g)) return g;
+      const int n = g->children.getNum();
+      if (childrenInOrder)
+        for (int i = n - 1; i >= 0; --i) todo.push_back(g->children[i]);
+      else
+        for (int i = 0; i < n; ++i) todo.push_back(g->children[i]);
+    }
+    return nullptr;
+  }
+
   // Calls visit on from and on each of its ancestors once, until visit
   // returns true (then true). A plain chain of single parents is followed
   // without allocating; past the first shared instance a visited set keeps
