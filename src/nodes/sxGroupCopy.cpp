@@ -40,19 +40,11 @@ void sxGroup::resolveGroupMapping(sxGroup* node) {
 }
 
 sxGroup* sxGroup::copyGroup() const {
-  auto* node = new sxGroup;
-  if (!node) return nullptr;
-  addGroupMapping(this, node);
-  node->copy(*this);
-  return node;
+  return newCopyOf(*this, false);
 }
 
 sxGroup* sxGroup::cloneGroup() const {
-  auto* node = new sxGroup;
-  if (!node) return nullptr;
-  addGroupMapping(this, node);
-  node->clone(*this);
-  return node;
+  return newCopyOf(*this, true);
 }
 
 void sxGroup::copy(const sxGroup& src) {

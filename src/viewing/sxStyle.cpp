@@ -92,25 +92,11 @@ bool sxStyle::removeTrait(sxTravTrait* trait) {
 // A copy or clone of a style shares the traits: they are read-only while
 // traversed.
 sxGroup* sxStyle::copyGroup() const {
-  return copyStyle(false);
+  return newCopyOf(*this, false);
 }
 
 sxGroup* sxStyle::cloneGroup() const {
-  return copyStyle(true);
-}
-
-sxGroup* sxStyle::copyStyle(bool cloning) const {
-  auto* node = new sxStyle;
-  if (!node) return nullptr;
-  share(node->visualTraits, visualTraits);
-  share(node->audioTraits, audioTraits);
-  share(node->travTraits, travTraits);
-  addGroupMapping(this, node);
-  if (cloning)
-    node->clone(*this);
-  else
-    node->copy(*this);
-  return node;
+  return newCopyOf(*this, true);
 }
 
 sxTraverser::TRAV_STATE sxStyle::apply(sxTraverser* traverser, bool skipPreApply) {

@@ -190,6 +190,22 @@ class SX_API sxGroup : public sxBase {
   void copy(const sxGroup& src);
   void clone(const sxGroup& src);
 
+  /// What every kind's copyGroup and cloneGroup do: a new node made by T's
+  /// copy constructor (the kind's own fields; a group's copy constructor
+  /// takes no children), entered in the group mapping, then filled by copy
+  /// or clone.
+  template <class T>
+  static T* newCopyOf(const T& src, bool cloning) {
+    T* node = new T(src);
+    if (!node) return nullptr;
+    addGroupMapping(&src, node);
+    if (cloning)
+      node->clone(src);
+    else
+      node->copy(src);
+    return node;
+  }
+
   /// The group mapping of the copy in progress (under the group lock).
   static void addGroupMapping(const sxGroup* from, sxGroup* to);
   /// Lets action nodes at and below node point at the copies.

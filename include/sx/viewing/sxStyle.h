@@ -45,7 +45,6 @@ class SX_API sxStyle : public sxGroup {
   sxGroup* cloneGroup() const override;
 
  private:
-  sxGroup* copyStyle(bool cloning) const;
   void releaseTraits();
 
   sxTList<sxVisualTrait*> visualTraits;
