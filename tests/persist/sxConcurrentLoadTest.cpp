@@ -34,7 +34,9 @@ TEST(ConcurrentLoad, ImportsAndExportsWhileThePathChanges) {
   std::vector<std::thread> workers;
   for (int t = 0; t < 3; ++t)
     workers.emplace_back([&, t] {
-      for (int i = 0; i < 150; ++i) {
+      // On a loaded machine the editor may sit descheduled with the path
+      // emptied for the whole of 150 rounds; go on until a search succeeded.
+      for (int i = 0; i < 150 || (found.load() == 0 && i < 1000000); ++i) {
         // Found through the path, or not while the editor has just emptied it.
         sxRef<sxBase> root(sxLoader::importFile("scene.sx"));
         const bool right = root ? sxLoader::getError() == sxLoader::ERROR_NONE &&
