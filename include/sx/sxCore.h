@@ -81,6 +81,7 @@
 #include <sx/traversal/sxTravStack.h>
 #include <sx/traversal/sxTravTrait.h>
 #include <sx/traversal/sxTraverser.h>
+#include <sx/traversal/sxViewpoint.h>
 #include <sx/traversal/sxVisualTrait.h>
 #include <sx/viewing/sxCamera.h>
 #include <sx/viewing/sxGeometry.h>

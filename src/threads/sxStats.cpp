@@ -23,6 +23,14 @@ void sxStats::reset() {
   size(audioCounts, stackTypes & sxTraitStack::STACK_AUDIO, sxAudioTraitType::getNumTraitTypes());
   size(travCounts, stackTypes & sxTraitStack::STACK_TRAV, sxTravTraitType::getNumTraitTypes());
   size(groupCounts, 1u, sxGroupType::getNumGroupTypes());
+  culled = updates = 0;
+  updateSeconds = 0.0;
+}
+
+long long sxStats::getNumGroups() const {
+  long long n = 0;
+  for (int c : counts[groupCounts]) n += c;
+  return n;
 }
 
 void sxStats::incCount(const sxVisualTrait* trait) {

@@ -51,7 +51,24 @@ class SX_API sxStats : public sxBase {
   int getCount(const sxTravTraitType* type) const;
   int getCount(const sxGroupType* type) const;
 
-  /// Sizes the arrays for the types registered now and zeroes them.
+  /// Every group counted since the last reset, of any type.
+  long long getNumGroups() const;
+
+  /// Sub-graphs that a camera pass left out because they lay outside the
+  /// view volume.
+  void incCulled() { ++culled; }
+  long long getNumCulled() const { return culled; }
+
+  /// One scene update that took seconds (sxScene::update counts them).
+  void addUpdate(double seconds) {
+    ++updates;
+    updateSeconds += seconds;
+  }
+  long long getNumUpdates() const { return updates; }
+  double getUpdateSeconds() const { return updateSeconds; }
+
+  /// Sizes the arrays for the types registered now and zeroes them and
+  /// the counters.
   void reset();
 
  private:
@@ -68,4 +85,7 @@ class SX_API sxStats : public sxBase {
   // The group type seen last and its number: a traversal meets few types.
   const sxType* lastGroupType = nullptr;
   int lastGroupIndex = -1;
+  long long culled = 0;
+  long long updates = 0;
+  double updateSeconds = 0.0;
 };

@@ -15,6 +15,7 @@
 class sxGroup;
 class sxMatrix;
 class sxScene;
+class sxViewpoint;
 
 /// The state of one traversal: the path of groups, the matrix stacks, the
 /// volume, cull-result and failed-ray stacks, the flags and masks that
@@ -145,10 +146,12 @@ class SX_API sxTravContext : public sxBase {
   int getTransitionMode() const { return transitionMode; }
   void setScene(sxScene* s) { scene = s; }
   sxScene* getScene() const { return scene; }
-  /// The object from which range switches measure distances (the camera
-  /// side sets it; not referenced).
-  void setViewpoint(const sxBase* v) { viewpoint = v; }
-  const sxBase* getViewpoint() const { return viewpoint; }
+  /// Where the pass looks from: range switches measure distances from it,
+  /// billboards turn towards it, transforms cull against its view volume.
+  /// Set by the camera, listener or collider running the pass (not owned);
+  /// null for traversers unless the application sets one.
+  void setViewpoint(const sxViewpoint* v) { viewpoint = v; }
+  const sxViewpoint* getViewpoint() const { return viewpoint; }
 
   /// Referenced; the old one is released.
   void setTraitStack(sxTraitStack* stack) { traitStack = stack; }
@@ -163,7 +166,7 @@ class SX_API sxTravContext : public sxBase {
   static std::uintptr_t fromSlot(const void* p) { return reinterpret_cast<std::uintptr_t>(p); }
 
   sxScene* scene = nullptr;
-  const sxBase* viewpoint = nullptr;
+  const sxViewpoint* viewpoint = nullptr;
   sxMatrixStack matrixStack{16};
   sxMatrixStack invMatrixStack{16};
   sxStack volumeStack{8};

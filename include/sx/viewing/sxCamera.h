@@ -3,13 +3,40 @@
 #include <sx/object/sxBase.h>
 #include <sx/object/sxRef.h>
 #include <sx/traversal/sxTravContext.h>
+#include <sx/traversal/sxViewpoint.h>
 
-/// A viewpoint of the camera pass; rendering plug-ins give it its behaviour.
+class sxGroup;
+
+/// The viewer of the camera pass: a viewpoint with a view volume, and the
+/// traversal context the pass runs in.
+///
+/// The kernel's camera walks the graph and culls it against its view
+/// volume; it draws nothing. A rendering plug-in derives from it and
+/// overrides traverse() to wrap the walk (clear, draw the collected nodes,
+/// swap), and gives its geometry node kinds camera passes that hand their
+/// data to the camera. The traversal context, its trait stack and the
+/// viewpoint are the kernel's; plug-ins use them as they are.
 class SX_API sxCamera : public sxBase {
  public:
   SX_CLASS(sxCamera, sxBase)
-  sxCamera() = default;
+  /// Makes the context, with a trait stack of every family.
+  sxCamera();
+  /// Copies the viewpoint; the copy gets a context of its own.
+  sxCamera(const sxCamera& source);
   ~sxCamera() override;
+
+  /// The camera pass over root: resets the context, points it at this
+  /// camera's viewpoint and at root when root is a scene, then calls the
+  /// scene's camera direct calls (first), root->apply(this), and the
+  /// scene's camera direct calls (after). Nothing for a null root or
+  /// without a context.
+  virtual void traverse(sxGroup* root);
+
+  /// Placement and view volume (see sxViewpoint).
+  virtual void setMatrix(const sxMatrix& m) { viewpoint.setMatrix(m); }
+  const sxMatrix& getMatrix() const { return viewpoint.getMatrix(); }
+  virtual void setFrustum(const sxFrustum& eyeSpace) { viewpoint.setFrustum(eyeSpace); }
+  const sxViewpoint& getViewpoint() const { return viewpoint; }
 
   /// The context of this object's passes over a graph (referenced; may be
   /// null, and then the passes do nothing).
@@ -17,5 +44,6 @@ class SX_API sxCamera : public sxBase {
   void setTravContext(sxTravContext* context);
 
  private:
+  sxViewpoint viewpoint;
   sxRef<sxTravContext> travContext;
 };
