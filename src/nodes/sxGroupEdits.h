@@ -26,6 +26,9 @@ struct sxiGroupEdits {
   static sxParentList& parents(sxGroup* g) {
     return g->parents;
   }
+  static void addTravFlags(sxGroup* g, unsigned flags) {
+    g->addTravFlags(flags);
+  }
 
   // The added-to walk over node's sub-graph, then node->addedTo(parent):
   // every node below receives addedTo, deepest first, children from the

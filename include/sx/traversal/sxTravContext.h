@@ -79,6 +79,8 @@ class SX_API sxTravContext : public sxBase {
   void pushMatrix(const sxMatrix& m) { matrixStack.pushLoad(m); }
   /// Pushes the product of the current top with m.
   void pushMultMatrix(const sxMatrix& m) { matrixStack.pushMult(m); }
+  /// Pushes m times the current top: m applied first (a node's local matrix).
+  void pushPreMultMatrix(const sxMatrix& m) { matrixStack.push(), matrixStack.preMult(m); }
   void pushIdentMatrix() { matrixStack.pushIdent(); }
   void popMatrix() { matrixStack.pop(); }
   void pushInvertMatrix(const sxMatrix& m) { invMatrixStack.pushLoad(m); }
