@@ -3,6 +3,7 @@
 #include <sx/nodes/sxGroup.h>
 
 class sxMatrix;
+class sxVolume;
 
 /// A node whose bounds colliders and cameras meet: the base of the fence
 /// kinds.
