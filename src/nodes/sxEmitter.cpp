@@ -2,6 +2,7 @@
 #include <sx/nodes/sxEmitter.h>
 #include <sx/nodes/sxGroupType.h>
 #include <sx/nodes/sxListener.h>
+#include <sx/traversal/sxTraitStack.h>
 #include <sx/traversal/sxTravContext.h>
 #include <sx/viewing/sxScene.h>
 
@@ -165,6 +166,9 @@ void sxEmitter::apply(sxListener* listener) const {
   sxTravContext* ctx = listener ? listener->getTravContext() : nullptr;
   if (!ctx) return;
   if (isPlaying()) {
+    // The scales of the audio traits on styles above reach the listener
+    // before this emitter's state does.
+    if (sxTraitStack* ts = ctx->getTraitStack()) ts->applyAudioTraits(listener);
     auto* self = const_cast<sxEmitter*>(this);
     if ((emitterFlags & EMITTER_CHANGED) || !emitterData) self->sendParameters(listener);
     // The back end may have stopped the emitter meanwhile.

@@ -21,6 +21,7 @@ constexpr unsigned playingBit = sxEmitter::TRAV_FLAG_PLAYING;
 struct RecordingListener : sxListener {
   std::vector<std::string> calls;
   std::vector<sxVec3> positions;
+  std::vector<float> levels;  // the level scale at each output
   float levelScale = 1.0f;
   float priorityScale = 1.0f;
   bool keepsData = true;
@@ -47,6 +48,7 @@ struct RecordingListener : sxListener {
   void outputEmitter(sxEmitter* e, const sxVec3& at) override {
     calls.push_back("out");
     positions.push_back(at);
+    levels.push_back(levelScale);
     if (keepsData) setEmitterData(e, &data);
     hasBeenUpdated(e);
   }
@@ -311,6 +313,20 @@ TEST(sxEmitter, ListenerGetsParametersOnlyAfterTheyChangedAndOutputEveryPass) {
   l.traverse(scene.get());
   EXPECT_TRUE(l.take().empty());
   EXPECT_EQ(l.levelScale, 1.0f) << "pruned: audio traits are not pushed";
+
+  // A style's audio trait governs the emitters below it, and only those.
+  l.removeTrait(prune.get());
+  sxRef<sxStyle> loud(new sxStyle);
+  sxRef<sxEmitter> other(new sxEmitter);
+  sxRef<sxAudioLevelScale> half(new sxAudioLevelScale);
+  half->set(0.5f);
+  loud->addTrait(half.get());
+  scene->addChild(loud.get());
+  loud->addChild(other.get());
+  other->play();
+  l.levels.clear();
+  l.traverse(scene.get());
+  EXPECT_EQ(l.levels, (std::vector<float>{0.25f, 0.5f}));
 }
 
 TEST(sxEmitter, ListenerPlacementKeepsMatrixXyzAndHprTogether) {

@@ -31,8 +31,9 @@ class sxGroup;
 /// parameters only after they changed; one without gets them on every
 /// pass), calls hasBeenUpdated once it has taken an emitter's parameters,
 /// and hasStopped when a wave that does not loop has ended. The scales
-/// that the audio traits set (setPriorityScale, setAudioLevelScale) apply
-/// to everything the listener hears.
+/// that the audio traits set (setPriorityScale, setAudioLevelScale) are
+/// those in force for the emitter output next: the listener's own audio
+/// traits, replaced below styles that carry audio traits of their own.
 class SX_API sxListener : public sxBase {
  public:
   SX_CLASS(sxListener, sxBase)
