@@ -16,17 +16,25 @@ inline sxTravContext* newContext(unsigned stackTypes) {
   return ctx;
 }
 
-template <class Agent>
-void run(Agent* agent, sxGroup* root, const sxViewpoint* viewpoint) {
+// prepare runs once the context is reset and set up, before any call (a
+// listener pushes its traits there); false skips the walk.
+template <class Agent, class Prepare>
+void run(Agent* agent, sxGroup* root, const sxViewpoint* viewpoint, Prepare&& prepare) {
   sxTravContext* ctx = agent->getTravContext();
   if (!root || !ctx) return;
   ctx->reset();
   ctx->setViewpoint(viewpoint);
   sxScene* scene = root->isOfType(sxScene::getClassType()) ? static_cast<sxScene*>(root) : nullptr;
   ctx->setScene(scene);
+  if (!prepare()) return;
   if (scene) scene->applyDirect(agent, true);
   root->apply(agent);
   if (scene) scene->applyDirect(agent, false);
+}
+
+template <class Agent>
+void run(Agent* agent, sxGroup* root, const sxViewpoint* viewpoint) {
+  run(agent, root, viewpoint, [] { return true; });
 }
 
 }  // namespace sxiPassEntry
