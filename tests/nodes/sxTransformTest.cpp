@@ -41,6 +41,10 @@ struct Probe : sxSphereFence {
     record(c->getTravContext());
     sxSphereFence::apply(c);
   }
+  void apply(sxListener* l) const override {
+    record(l->getTravContext());
+    sxSphereFence::apply(l);
+  }
   void update(sxTravContext* ctx) override {
     record(ctx);
     sxSphereFence::update(ctx);
@@ -85,6 +89,7 @@ std::vector<Pass> passes() {
        }},
       {"camera", [](sxGroup* root) { sxCamera().traverse(root); }},
       {"collider", [](sxGroup* root) { sxCollider().traverse(root); }},
+      {"listener", [](sxGroup* root) { sxListener().traverse(root); }},
       {"update",
        [](sxGroup* root) {
          sxRef<sxTravContext> ctx(new sxTravContext);
