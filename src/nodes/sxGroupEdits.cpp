@@ -83,6 +83,7 @@ bool sxiGroupEdits::attach(sxGroup* parent, int index, sxGroup* child) {
     child->unRefNoDelete();
     return false;
   }
+  parent->childLinked(index);
   addedToWalk(child, parent);
   return true;
 }
@@ -148,7 +149,9 @@ bool sxGroup::insertChild(int index, sxGroup* child) {
 
 bool sxGroup::removeChild(sxGroup* child) {
   if (!child || child == this || !child->parents.contains(this)) return false;
-  children.removeOrdered(child);
+  const int at = children.getIndex(child);
+  children.removeOrderedIndex(at);
+  childUnlinked(at);
   child->parents.removeOrdered(this);
   child->removedFrom(this);
   child->unRef();
