@@ -129,7 +129,8 @@ void sxiGroupEdits::withdrawFromScenes(sxGroup* parent, sxGroup* node) {
   walkUp(parent, [node](const sxGroup* g) {
     if (g->getNumParents() == 0 && g->isOfType(sxScene::getClassType()))
       for (int kind = 0; kind < sxScene::numDirectCallKinds; ++kind)
-        const_cast<sxScene*>(static_cast<const sxScene*>(g))->removeDirectCall(sxScene::DIRECT_CALL(kind), node);
+        const_cast<sxScene*>(static_cast<const sxScene*>(g))
+            ->removeDirectCall(sxScene::DIRECT_CALL(kind), node);
     return false;
   });
 }

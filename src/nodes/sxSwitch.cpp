@@ -244,9 +244,10 @@ sxEntry* sxSwitch::read(sxFile* file, sxEntry* entry) {
   const float time = e->readFloat();
   transitionProgress = progress >= 0.0f ? std::min(progress, 1.0f) : 0.0f;
   transitionStart = std::isfinite(start) ? start : 0.0f;
-  transitionTime = 1.0f;
+  transitionTime = std::isnan(time) ? 0.0f : time;
+  // This switch's own fade, whatever a kind makes of enableTransition.
+  if (!(transitionTime > 0.0f)) sxSwitch::enableTransition(false);
   // Children fade out only in a running transition; otherwise they are off.
   if (!isTransitionEnabled() || !isInTransition()) endTransition();
-  setTransitionTime(time);
   return e;
 }
