@@ -127,7 +127,9 @@ void sxiGroupEdits::takeSlot(sxGroup* parent, sxGroup* old, sxGroup* newNode, bo
 void sxiGroupEdits::withdrawFromScenes(sxGroup* parent, sxGroup* node) {
   if (sxScene::getNumLive() == 0) return;
   walkUp(parent, [node](const sxGroup* g) {
-    if (g->getNumParents() == 0 && g->isOfType(sxScene::getClassType()))
+    // Any scene above, not only a root: a scene below a group may be
+    // updated on its own, and then its nodes are on its lists.
+    if (g->isOfType(sxScene::getClassType()))
       for (int kind = 0; kind < sxScene::numDirectCallKinds; ++kind)
         const_cast<sxScene*>(static_cast<const sxScene*>(g))
             ->removeDirectCall(sxScene::DIRECT_CALL(kind), node);

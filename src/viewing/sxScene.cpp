@@ -254,7 +254,7 @@ void sxScene::releaseFromMods() {
 bool sxScene::availableForMods() {
   if (!modsLock->available()) return false;
   modsLock->release();
-  return accessSemaphore->getCount() > 0;
+  return accessSemaphore->getAvailable() > 0;
 }
 
 void sxScene::acquireForQuery() {

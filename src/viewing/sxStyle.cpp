@@ -1,7 +1,14 @@
+#include <sx/collision/sxCollider.h>
 #include <sx/nodes/sxGroupType.h>
+#include <sx/nodes/sxListener.h>
+#include <sx/persist/sxEntry.h>
+#include <sx/persist/sxFile.h>
 #include <sx/traversal/sxTraitStack.h>
 #include <sx/traversal/sxTravContext.h>
+#include <sx/viewing/sxCamera.h>
 #include <sx/viewing/sxStyle.h>
+
+#include "persist/sxFileState.h"
 
 SX_DEFINE_CLASS(sxStyle, sxGroupType)
 
@@ -99,22 +106,100 @@ sxGroup* sxStyle::cloneGroup() const {
   return newCopyOf(*this, true);
 }
 
-sxTraverser::TRAV_STATE sxStyle::apply(sxTraverser* traverser, bool skipPreApply) {
-  if (!skipPreApply) {
-    sxTraverser::TRAV_STATE s = traverser->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
-  sxTravContext* ctx = traverser->getTravContext();
+template <class Pass>
+bool sxStyle::withTraits(sxTravContext* ctx, Pass&& pass) const {
   sxTraitStack* ts = ctx ? ctx->getTraitStack() : nullptr;
-  if (!ts) return sxGroup::apply(traverser, true);
+  if (!ts) return pass();
   pushAll(ts, travTraits, ctx);
   if (!ctx->anyFlags(sxTravContext::FLAG_PRUNE)) {
     pushAll(ts, visualTraits, ctx);
     pushAll(ts, audioTraits, ctx);
-    if (sxGroup::apply(traverser, true) == sxTraverser::TRAV_STOP) return sxTraverser::TRAV_STOP;
+    // A stop leaves everything pushed, as it leaves the path.
+    if (!pass()) return false;
     popAll(ts, audioTraits, ctx);
     popAll(ts, visualTraits, ctx);
   }
   popAll(ts, travTraits, ctx);
-  return sxTraverser::TRAV_CONTINUE;
+  return true;
+}
+
+sxTraverser::TRAV_STATE sxStyle::apply(sxTraverser* traverser, bool skipPreApply) {
+  if (!traverser) return sxTraverser::TRAV_CONTINUE;
+  if (!skipPreApply) {
+    sxTraverser::TRAV_STATE s = traverser->preApply(this);
+    if (s != sxTraverser::TRAV_CONTINUE) return s;
+  }
+  const bool popped = withTraits(traverser->getTravContext(), [&] {
+    return sxGroup::apply(traverser, true) != sxTraverser::TRAV_STOP;
+  });
+  return popped ? sxTraverser::TRAV_CONTINUE : sxTraverser::TRAV_STOP;
+}
+
+template <class Agent>
+void sxStyle::passWithTraits(Agent* agent) const {
+  if (!agent) return;
+  withTraits(agent->getTravContext(), [&] {
+    sxGroup::apply(agent);
+    return true;
+  });
+}
+
+void sxStyle::apply(sxCamera* camera) const {
+  passWithTraits(camera);
+}
+
+void sxStyle::apply(sxListener* listener) const {
+  passWithTraits(listener);
+}
+
+void sxStyle::apply(sxCollider* collider) const {
+  passWithTraits(collider);
+}
+
+// --- persistence
+
+namespace {
+
+template <class T>
+void writeTraits(sxFile* file, sxEntry* e, const sxTList<T*>& list) {
+  e->writeInt(list.getNum());
+  for (int k = 0; k < list.getNum(); ++k) list[k]->writeRef(file, e);
+}
+
+template <class T>
+void readTraits(sxStyle* style, sxFile* file, sxEntry* e) {
+  const int count = e->readInt();
+  for (int i = 0; i < count; ++i) {
+    const int at = e->getCursor();
+    sxBase* obj = sxBase::readRef(file, e);
+    // A damaged count ends with the data.
+    if (e->getCursor() == at) break;
+    if (!obj) continue;
+    if (obj->isOfType(T::getClassType()))
+      style->addTrait(static_cast<T*>(obj));
+    else
+      sxiFileAccess::drop(file, obj);
+  }
+}
+
+}  // namespace
+
+sxEntry* sxStyle::write(sxFile* file, sxEntry* entry) const {
+  sxEntry* created = sxGroup::write(file, entry);
+  sxEntry* e = entry ? entry : created;
+  if (!e) return created;
+  writeTraits(file, e, visualTraits);
+  writeTraits(file, e, audioTraits);
+  writeTraits(file, e, travTraits);
+  return created;
+}
+
+sxEntry* sxStyle::read(sxFile* file, sxEntry* entry) {
+  releaseTraits();
+  sxEntry* e = sxGroup::read(file, entry);
+  if (!e) return nullptr;
+  readTraits<sxVisualTrait>(this, file, e);
+  readTraits<sxAudioTrait>(this, file, e);
+  readTraits<sxTravTrait>(this, file, e);
+  return e;
 }

@@ -24,6 +24,17 @@ class SX_API sxStyle : public sxGroup {
   ~sxStyle() override;
 
   sxTraverser::TRAV_STATE apply(sxTraverser* traverser, bool skipPreApply) override;
+  /// The camera, listener and collider passes push and pop the traits the
+  /// same way around the group pass.
+  void apply(sxCamera* camera) const override;
+  void apply(sxListener* listener) const override;
+  void apply(sxCollider* collider) const override;
+
+  /// After the group fields: the visual, audio and traversal traits, each
+  /// as a count followed by references. Reading replaces the traits; an
+  /// object of the wrong family in a list is left out.
+  sxEntry* read(sxFile* file, sxEntry* entry) override;
+  sxEntry* write(sxFile* file, sxEntry* entry) const override;
 
   /// Appends the trait and takes a reference; a trait of the same type
   /// that the style held before is then removed. False for null and for a
@@ -46,6 +57,13 @@ class SX_API sxStyle : public sxGroup {
 
  private:
   void releaseTraits();
+  /// Pushes the traits onto the context's trait stack, runs pass unless
+  /// the traversal traits prune, pops them; pass answers whether to pop
+  /// (false after a stop).
+  template <class Pass>
+  bool withTraits(sxTravContext* ctx, Pass&& pass) const;
+  template <class Agent>
+  void passWithTraits(Agent* agent) const;
 
   sxTList<sxVisualTrait*> visualTraits;
   sxTList<sxAudioTrait*> audioTraits;
