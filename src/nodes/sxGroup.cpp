@@ -24,7 +24,11 @@ sxGroup::~sxGroup() {
   // leave its parents pointing at freed memory.
   while (parents.getNum() > 0) {
     sxGroup* p = parents.get(parents.getNum() - 1);
-    p->children.removeOrdered(this);
+    const int at = p->children.getIndex(this);
+    if (at >= 0) {
+      p->children.removeOrderedIndex(at);
+      p->childUnlinked(at);
+    }
     parents.removeOrdered(p);
   }
   sxiGroupEdits::prefetchChildren(this);
@@ -81,6 +85,9 @@ void sxGroup::setNodeFlags(NODE_FLAGS flags) {
 bool sxGroup::areChildrenOrdered() const {
   return false;
 }
+
+void sxGroup::childLinked(int) {}
+void sxGroup::childUnlinked(int) {}
 
 void sxGroup::addedTo(sxGroup*) {
   unsigned bits = (travFlags & TRAV_CONTENT_MASK) | TRAV_FLAG_UPDATE | TRAV_FLAG_ADDED;

@@ -83,6 +83,7 @@ bool sxiGroupEdits::attach(sxGroup* parent, int index, sxGroup* child) {
     child->unRefNoDelete();
     return false;
   }
+  parent->childLinked(index);
   addedToWalk(child, parent);
   return true;
 }
@@ -130,7 +131,8 @@ void sxiGroupEdits::withdrawFromScenes(sxGroup* parent, sxGroup* node) {
     // updated on its own, and then its nodes are on its lists.
     if (g->isOfType(sxScene::getClassType()))
       for (int kind = 0; kind < sxScene::numDirectCallKinds; ++kind)
-        const_cast<sxScene*>(static_cast<const sxScene*>(g))->removeDirectCall(sxScene::DIRECT_CALL(kind), node);
+        const_cast<sxScene*>(static_cast<const sxScene*>(g))
+            ->removeDirectCall(sxScene::DIRECT_CALL(kind), node);
     return false;
   });
 }
@@ -150,7 +152,9 @@ bool sxGroup::insertChild(int index, sxGroup* child) {
 
 bool sxGroup::removeChild(sxGroup* child) {
   if (!child || child == this || !child->parents.contains(this)) return false;
-  children.removeOrdered(child);
+  const int at = children.getIndex(child);
+  children.removeOrderedIndex(at);
+  childUnlinked(at);
   child->parents.removeOrdered(this);
   child->removedFrom(this);
   child->unRef();

@@ -176,6 +176,15 @@ class SX_API sxGroup : public sxBase {
   /// detached from it.
   virtual void addedTo(sxGroup* parent);
   virtual void removedFrom(sxGroup* parent);
+  /// The children list changed at index: a child was linked there (the
+  /// later ones moved up) or unlinked from there (the later ones moved
+  /// down). Every edit ends here, also those that bypass the virtual edits
+  /// (remove, replace, a child destroyed while still linked), so kinds that
+  /// keep data per child follow the children with it. A child taking
+  /// another's slot (replace, insertAbove) keeps the slot's data. Called
+  /// before the notifications of the edit; must not edit the graph.
+  virtual void childLinked(int index);
+  virtual void childUnlinked(int index);
   /// Raises bits here and on every ancestor that lacks some of the flags.
   virtual void dirtyUp(unsigned bits);
   /// Lowers bits that no child carries any more, and on the parents.
