@@ -66,6 +66,7 @@ int parse(int argc, char** argv, Options& o) {
 }
 
 sxRef<sxScene> loadScene(const char* path) {
+  sxDemoInitClasses();
   sxRef<sxBase> root(sxLoader::importFile(path));
   if (!root) {
     std::fprintf(stderr, "sxtool demo: cannot read %s: %s\n", path, loaderMessage());

@@ -40,7 +40,12 @@ sxRef<sxSphereFence> leaf(float radius) {
 
 }  // namespace
 
+void sxDemoInitClasses() {
+  sxDemoToggle::initClass();
+}
+
 sxRef<sxScene> sxBuildDemoScene(const sxDemoConfig& config) {
+  sxDemoInitClasses();
   sxRef<sxScene> scene = make<sxScene>("demo");
   sxRef<sxStyle> world = make<sxStyle>("world");
   scene->addChild(world.get());

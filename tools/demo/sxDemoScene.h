@@ -52,6 +52,10 @@ struct sxDemoParts {
   bool find(sxScene* scene);
 };
 
+/// Registers the demo's own node classes, so that a scene file naming them
+/// can be read; building a scene does it too.
+void sxDemoInitClasses();
+
 /// Builds the sample scene.
 sxRef<sxScene> sxBuildDemoScene(const sxDemoConfig& config);
 
