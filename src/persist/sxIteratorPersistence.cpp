@@ -76,8 +76,12 @@ void sxIterator::read(sxEntry* entry) {
   mode = std::uint8_t(entry->readByte());
   direction = std::uint8_t(entry->readByte());
   current = entry->readInt();
-  step = entry->readInt();
+  // The sequencer only ever steps by one item: any other step from a file
+  // is damage (and a huge one would overflow the index).
+  step = entry->readInt() < 0 ? -1 : 1;
   readDurations(entry, times);
   readDurations(entry, frames);
   setNumItems(entry->readInt());
+  // A current item out of the range is "not started".
+  if (current < -1 || current >= numItems) current = -1;
 }

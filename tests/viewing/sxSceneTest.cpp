@@ -247,6 +247,9 @@ TEST(sxScene, WritersGetInPastBusyReadersWhoNeverSeeHalfAnEdit) {
         ++walks;
       }
     });
+  // The readers are busy before the writer starts (on a loaded machine
+  // they may be slow to get going).
+  while (walks.load() == 0) std::this_thread::yield();
   for (int i = 0; i < 300; ++i) {
     ASSERT_TRUE(scene->acquireForMods());
     if (holder->getNumChildren() >= 20) {
