@@ -27,7 +27,13 @@ bool removeFrom(std::vector<sxRef<T>>& list, T* trait) {
 
 }  // namespace
 
-sxListener::sxListener() : travContext(sxiPassEntry::newContext(stackTypes)) {}
+sxTravContext* sxListener::newContext() {
+  sxTravContext* ctx = sxiPassEntry::newContext(stackTypes);
+  if (ctx) ctx->setTravMask(sxEmitter::TRAV_FLAG_PLAYING);
+  return ctx;
+}
+
+sxListener::sxListener() : travContext(newContext()) {}
 
 sxListener::sxListener(const sxListener& source)
     : sxBase(source),
@@ -37,7 +43,7 @@ sxListener::sxListener(const sxListener& source)
       viewpoint(source.viewpoint),
       audioTraits(source.audioTraits),
       travTraits(source.travTraits),
-      travContext(sxiPassEntry::newContext(stackTypes)) {}
+      travContext(newContext()) {}
 
 sxListener::~sxListener() = default;
 

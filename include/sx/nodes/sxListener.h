@@ -73,6 +73,8 @@ class SX_API sxListener : public sxBase {
   int getNumAudioTraits() const { return int(audioTraits.size()); }
   /// Precondition: 0 <= i < getNumAudioTraits().
   sxAudioTrait* getAudioTrait(int i) const { return audioTraits[std::size_t(i)].get(); }
+  /// The context of the listener pass. Its pass mask starts as the
+  /// playing-emitter bit, so the pass only walks towards emitters that play.
   sxTravContext* getTravContext() const { return travContext.get(); }
 
   // --- placement: the matrix, xyz and hpr stay consistent
@@ -144,6 +146,7 @@ class SX_API sxListener : public sxBase {
  private:
   /// The families of the listener's trait stack.
   static constexpr unsigned stackTypes = sxTraitStack::STACK_AUDIO | sxTraitStack::STACK_TRAV;
+  static sxTravContext* newContext();
 
   void placementChanged() { viewpoint.setMatrix(matrix); }
 
