@@ -25,6 +25,9 @@ void sxStats::reset() {
   size(groupCounts, 1u, sxGroupType::getNumGroupTypes());
   culled = updates = 0;
   updateSeconds = 0.0;
+  // A type unloaded since may leave its address to another.
+  lastGroupType = nullptr;
+  for (const sxType*& t : knownTypes) t = nullptr;
 }
 
 long long sxStats::getNumGroups() const {
@@ -46,11 +49,20 @@ void sxStats::incCount(const sxTravTrait* trait) {
 }
 
 void sxStats::countGroupOfType(const sxType* type) {
-  const auto* indexed = dynamic_cast<const sxIndexedType*>(type);
   lastGroupType = type;
+  for (int k = 0; k < numKnownTypes; ++k) {
+    if (knownTypes[k] == type) {
+      lastGroupIndex = knownIndices[k];
+      return;
+    }
+  }
+  const auto* indexed = dynamic_cast<const sxIndexedType*>(type);
   lastGroupIndex = indexed && indexed->getFamily() == sxIndexedType::groupFamily
                        ? indexed->getFamilyIndex()
                        : -1;
+  knownTypes[nextKnown] = type;
+  knownIndices[nextKnown] = lastGroupIndex;
+  nextKnown = (nextKnown + 1) % numKnownTypes;
 }
 
 int sxStats::getCount(int family, const sxIndexedType* type) const {

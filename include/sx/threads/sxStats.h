@@ -82,9 +82,15 @@ class SX_API sxStats : public sxBase {
 
   std::vector<int> counts[numCounts];
   unsigned stackTypes;
-  // The group type seen last and its number: a traversal meets few types.
+  // The group type seen last and its number, and the last few types seen
+  // with theirs: a traversal meets few types, but they alternate level by
+  // level, and finding a type's number from scratch is a dynamic cast.
   const sxType* lastGroupType = nullptr;
   int lastGroupIndex = -1;
+  static constexpr int numKnownTypes = 8;
+  const sxType* knownTypes[numKnownTypes] = {};
+  int knownIndices[numKnownTypes] = {};
+  int nextKnown = 0;
   long long culled = 0;
   long long updates = 0;
   double updateSeconds = 0.0;
