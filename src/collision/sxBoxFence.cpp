@@ -11,14 +11,6 @@ void sxBoxFence::setBox(const sxBox& v) {
   dirtyUp(TRAV_FLAG_FENCES);
 }
 
-sxGroup* sxBoxFence::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxBoxFence::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 void sxBoxFence::growVolume(sxVolume& outer, const sxMatrix& top) const {
   sxiGrowBy(outer, box, top);
 }

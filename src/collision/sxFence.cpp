@@ -14,14 +14,6 @@ sxFence::sxFence(const sxFence& source) : sxGroup(source) {
   addTravFlags(CONTENT_FENCE);
 }
 
-sxGroup* sxFence::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxFence::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 // The bit is the fence's own, not its children's.
 void sxFence::cleanUp(unsigned bits) {
   sxGroup::cleanUp(bits & ~CONTENT_FENCE);

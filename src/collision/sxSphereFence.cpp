@@ -11,14 +11,6 @@ void sxSphereFence::setSphere(const sxSphere& v) {
   dirtyUp(TRAV_FLAG_FENCES);
 }
 
-sxGroup* sxSphereFence::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxSphereFence::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 void sxSphereFence::growVolume(sxVolume& outer, const sxMatrix& top) const {
   sxiGrowBy(outer, sphere, top);
 }

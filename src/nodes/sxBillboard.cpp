@@ -81,14 +81,6 @@ void sxBillboard::computeFullMatrix(const sxMatrix& m, sxMatrix& result,
   result.setXYZ(world);
 }
 
-sxGroup* sxBillboard::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxBillboard::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 // --- persistence: the group's record, then mode, axis and position
 
 sxEntry* sxBillboard::write(sxFile* file, sxEntry* entry) const {

@@ -35,15 +35,6 @@ sxEmitter::sxEmitter(const sxEmitter& source)
 
 sxEmitter::~sxEmitter() = default;
 
-// An emitter has no data that a clone could share.
-sxGroup* sxEmitter::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxEmitter::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 // --- playing
 
 void sxEmitter::play() {

@@ -97,14 +97,6 @@ sxEntry* sxScene::write(sxFile* file, sxEntry* entry) const {
   return sxStyle::write(file, entry);
 }
 
-sxGroup* sxScene::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxScene::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 void sxScene::addedTo(sxGroup*) {}
 
 // --- the frame

@@ -96,16 +96,6 @@ bool sxStyle::removeTrait(sxTravTrait* trait) {
   return removeFrom(travTraits, trait);
 }
 
-// A copy or clone of a style shares the traits: they are read-only while
-// traversed.
-sxGroup* sxStyle::copyGroup() const {
-  return newCopyOf(*this, false);
-}
-
-sxGroup* sxStyle::cloneGroup() const {
-  return newCopyOf(*this, true);
-}
-
 template <class Pass>
 bool sxStyle::withTraits(sxTravContext* ctx, Pass&& pass) const {
   sxTraitStack* ts = ctx ? ctx->getTraitStack() : nullptr;

@@ -28,8 +28,7 @@ class sxDemoToggle : public sxActionNode {
   int getNumToggles() const { return toggles; }
 
  protected:
-  sxGroup* copyGroup() const override { return newCopyOf(*this, false); }
-  sxGroup* cloneGroup() const override { return newCopyOf(*this, true); }
+  SX_GROUP_COPIES
 
  private:
   int toggles = 0;

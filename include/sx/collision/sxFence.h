@@ -31,8 +31,7 @@ class SX_API sxFence : public sxGroup {
   void updateFences(sxTravContext* context) override;
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
   void cleanUp(unsigned bits) override;
   /// Grows outer by this fence's bounds placed by top; nothing for the base.
   virtual void growVolume(sxVolume& outer, const sxMatrix& top) const;

@@ -22,8 +22,7 @@ class SX_API sxSphereFence : public sxFence {
   const sxSphere& getSphere() const { return sphere; }
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
   void growVolume(sxVolume& outer, const sxMatrix& top) const override;
 
  private:

@@ -65,8 +65,7 @@ class SX_API sxBillboard : public sxGroup {
   void updateFences(sxTravContext* context) override;
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
 
  private:
   sxSphere volume;

@@ -123,8 +123,7 @@ class SX_API sxEmitter : public sxGroup {
   using sxGroup::apply;
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
   /// Takes the emitter off the play lists of the scenes above parent; one
   /// left without parents stops playing and loses the listener's data.
   void removedFrom(sxGroup* parent) override;

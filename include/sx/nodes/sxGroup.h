@@ -15,6 +15,18 @@ class sxTravContext;
 class sxType;
 class sxVolume;
 
+/// In a protected section of a node kind whose copies need nothing beyond
+/// its copy constructor: copyGroup and cloneGroup through newCopyOf. (A
+/// style's copies share its traits, an emitter has nothing a clone could
+/// share: the copy constructor says what a copy takes.)
+#define SX_GROUP_COPIES                  \
+  sxGroup* copyGroup() const override {  \
+    return newCopyOf(*this, false);      \
+  }                                      \
+  sxGroup* cloneGroup() const override { \
+    return newCopyOf(*this, true);       \
+  }
+
 /// The interior node of the scene graph and the base of every node kind.
 ///
 /// A group holds an ordered list of children, each with one reference, and

@@ -133,8 +133,7 @@ class SX_API sxScene : public sxStyle {
   static int getNumLive();
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
   /// Nothing: a scene attached below a group keeps its own flags.
   void addedTo(sxGroup* parent) override;
 

@@ -52,8 +52,7 @@ class SX_API sxStyle : public sxGroup {
   const sxTList<sxTravTrait*>& getTravTraits() const { return travTraits; }
 
  protected:
-  sxGroup* copyGroup() const override;
-  sxGroup* cloneGroup() const override;
+  SX_GROUP_COPIES
 
  private:
   void releaseTraits();
