@@ -194,6 +194,8 @@ sxBase* sxLoader::importFile(const char* name) {
     report(ERROR_OPEN, "%s: the root object could not be read: %s", path.c_str(),
            file.getErrorMessage()[0] ? file.getErrorMessage() : "its record is damaged");
     root = nullptr;
+  } else {
+    sxiFileAccess::keep(&file, held, root);
   }
   file.close();
   return root;

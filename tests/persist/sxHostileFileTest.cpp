@@ -92,7 +92,13 @@ TEST(HostileFiles, EveryTruncationOfARealFileAndTheFuzzerFindings) {
   // data ending inside the next aligned int: reading stops there.
   testing::internal::CaptureStdout();
   readEverything(std::string(SXCORE_TEST_DATA) + "/fuzz-attribute-count-hang.sx");
+  // A scene that names itself among its traits: the reader leaves it out of
+  // the list, and the root comes back alive all the same.
+  const std::string self = std::string(SXCORE_TEST_DATA) + "/fuzz-root-in-own-trait-list.sx";
+  sxRef<sxBase> root(sxLoader::importFile(self.c_str()));
   testing::internal::GetCapturedStdout();
+  ASSERT_TRUE(root);
+  EXPECT_TRUE(root->isOfType(sxScene::getClassType()));
 }
 
 TEST(HostileFiles, DamagedHeadersTablesRecordsReferencesAndStreams) {
