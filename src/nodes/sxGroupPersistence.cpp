@@ -31,9 +31,7 @@ sxEntry* sxGroup::read(sxFile* file, sxEntry* entry) {
     // Only groups are children; whatever else a hostile or damaged file
     // puts there (or a child that would form a cycle or a duplicate) is
     // left out, and a thing nobody else took is released with the file.
-    if (obj->isOfType(sxGroup::getClassType()))
-      addChild(static_cast<sxGroup*>(obj));
-    else
+    if (!obj->isOfType(sxGroup::getClassType()) || !addChild(static_cast<sxGroup*>(obj)))
       sxiFileAccess::drop(file, obj);
   }
   return e;

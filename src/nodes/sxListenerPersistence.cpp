@@ -68,10 +68,12 @@ sxEntry* sxListener::read(sxFile* file, sxEntry* entry) {
   if (rest < 8 || rest % 8 != 0) return nullptr;
   const int n = rest / 8 - 1;
   for (int i = 0; i < n; ++i)
-    if (sxAudioTrait* t = readRefOf<sxAudioTrait>(file, e); t && i < numAudio) addTrait(t);
+    if (sxAudioTrait* t = readRefOf<sxAudioTrait>(file, e); t && !(i < numAudio && addTrait(t)))
+      sxiFileAccess::drop(file, t);
   if (e->readInt() != n) return nullptr;
   for (int i = 0; i < n; ++i)
-    if (sxTravTrait* t = readRefOf<sxTravTrait>(file, e)) addTrait(t);
+    if (sxTravTrait* t = readRefOf<sxTravTrait>(file, e); t && !addTrait(t))
+      sxiFileAccess::drop(file, t);
   if (sxTravContext* ctx = readRefOf<sxTravContext>(file, e)) {
     // A context is saved without its trait stack.
     if (!ctx->getTraitStack()) ctx->setTraitStack(new sxTraitStack(stackTypes, true));

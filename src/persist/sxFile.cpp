@@ -5,7 +5,6 @@
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
 
-#include <algorithm>
 #include <climits>
 #include <cstdio>
 #include <cstring>
@@ -623,15 +622,6 @@ void sxiFileAccess::drop(sxFile* file, sxBase* obj) {
   // The object was usually read just before its reader saw it.
   for (std::size_t i = objects.size(); i-- > 0;)
     if (objects[i] == obj) return failed(file, i);
-}
-
-void sxiFileAccess::keep(sxFile* file, std::size_t held, sxBase* obj) {
-  auto& failed = file->state->failedObjects;
-  auto& objects = file->state->heldObjects;
-  auto it = std::find(failed.begin(), failed.end(), obj);
-  if (it == failed.end() || held >= objects.size() || objects[held]) return;
-  failed.erase(it);
-  objects[held] = obj;
 }
 
 void sxiFileAccess::hold(sxFile* file, sxArray* array) {

@@ -168,10 +168,7 @@ struct sxiFileAccess {
   // A reader got obj but does not keep it (a reference of the wrong kind):
   // closing releases the file's hold for good, as for a failed object.
   static void drop(sxFile* file, sxBase* obj);
-  // The object of that hold is given to the caller whatever the readers
-  // did with it (a hostile file may put the root where a reader drops it):
-  // closing gives its hold back without destroying it.
-  static void keep(sxFile* file, std::size_t held, sxBase* obj);
+
   // True once an entry was refused for passing the budget: the file is
   // hostile, and nothing read from it should be used.
   static bool overBudget(sxFile* file);

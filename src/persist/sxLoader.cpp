@@ -193,11 +193,15 @@ sxBase* sxLoader::importFile(const char* name) {
     sxiFileAccess::failed(&file, held);
     report(ERROR_OPEN, "%s: the root object could not be read: %s", path.c_str(),
            file.getErrorMessage()[0] ? file.getErrorMessage() : "its record is damaged");
-    root = nullptr;
-  } else {
-    sxiFileAccess::keep(&file, held, root);
+    file.close();
+    return nullptr;
   }
+  // Objects that die at the close (those that could not be read, or a
+  // reader dropped: a hostile file may put the root there) may hold the
+  // root: it must outlive them, and goes back with what is left.
+  root->ref();
   file.close();
+  root->unRefNoDelete();
   return root;
 }
 

@@ -8,6 +8,8 @@
 #include <sx/viewing/sxCamera.h>
 #include <sx/viewing/sxStyle.h>
 
+#include <type_traits>
+
 #include "persist/sxFileState.h"
 
 SX_DEFINE_CLASS(sxStyle, sxGroupType)
@@ -157,6 +159,16 @@ void writeTraits(sxFile* file, sxEntry* e, const sxTList<T*>& list) {
 }
 
 template <class T>
+const sxTList<T*>& traitsOf(const sxStyle* style) {
+  if constexpr (std::is_same_v<T, sxVisualTrait>)
+    return style->getVisualTraits();
+  else if constexpr (std::is_same_v<T, sxAudioTrait>)
+    return style->getAudioTraits();
+  else
+    return style->getTravTraits();
+}
+
+template <class T>
 void readTraits(sxStyle* style, sxFile* file, sxEntry* e) {
   const int count = e->readInt();
   for (int i = 0; i < count; ++i) {
@@ -165,10 +177,19 @@ void readTraits(sxStyle* style, sxFile* file, sxEntry* e) {
     // A damaged count ends with the data.
     if (e->getCursor() == at) break;
     if (!obj) continue;
-    if (obj->isOfType(T::getClassType()))
-      style->addTrait(static_cast<T*>(obj));
-    else
+    // A trait of the wrong family, one listed twice, and one that a later
+    // trait of its type replaces are left out: released with the file
+    // unless something else took them.
+    if (!obj->isOfType(T::getClassType())) {
       sxiFileAccess::drop(file, obj);
+      continue;
+    }
+    T* trait = static_cast<T*>(obj);
+    const sxTList<T*>& held = traitsOf<T>(style);
+    for (int k = 0; k < held.getNum(); ++k)
+      if (held[k] != trait && held[k]->getTraitIndex() == trait->getTraitIndex())
+        sxiFileAccess::drop(file, held[k]);
+    if (!style->addTrait(trait)) sxiFileAccess::drop(file, trait);
   }
 }
 
