@@ -3,6 +3,8 @@
 #include <sx/containers/sxIterator.h>
 #include <sx/persist/sxEntry.h>
 
+#include <algorithm>
+
 namespace {
 
 // The numbers of one kind of duration (float seconds or int frames) as the
@@ -81,7 +83,11 @@ void sxIterator::read(sxEntry* entry) {
   step = entry->readInt() < 0 ? -1 : 1;
   readDurations(entry, times);
   readDurations(entry, frames);
-  setNumItems(entry->readInt());
+  // A sound record holds a value per item in the mode's array: a larger
+  // count is damage, and would size the arrays by a word of the file.
+  const int items = entry->readInt();
+  const int stored = std::max(times.perItem.size(), frames.perItem.size());
+  setNumItems(std::clamp(items, 0, stored));
   // A current item out of the range is "not started".
   if (current < -1 || current >= numItems) current = -1;
 }
