@@ -77,11 +77,7 @@ TEST(sxFence, HostileRecordsGiveEmptyFences) {
     SCOPED_TRACE(i);
     const std::string path = dir.file("fence" + std::to_string(i) + ".sx");
     ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) {
-      sxEntry* e = f.newEntry(f.newTag(cases[i].tag));
-      sxWriteObject(e, "fence", {});
-      e->writeShort(0);  // no content bit
-      e->writeShort(0);
-      e->writeInt(0);
+      sxEntry* e = sxWriteGroup(f, cases[i].tag, "fence");  // no content bit
       for (float v : cases[i].values) e->writeFloat(v);
     }));
     sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));

@@ -134,9 +134,7 @@ TEST(sxGroup, EditsRefuseWhatWouldBreakTheGraph) {
   sxGroup* other = p.add("other");
   ASSERT_TRUE(other->addChild(b));
   EXPECT_FALSE(b->addChild(other));
-  EXPECT_TRUE(b->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
-  EXPECT_TRUE(root->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
-  EXPECT_TRUE(other->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
+  for (sxGroup* g : {b, root, other}) EXPECT_TRUE(g->anyTravFlags(sxGroup::TRAV_FLAG_SHARED));
   expectConsistent(root);
 }
 
@@ -287,35 +285,19 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
     EXPECT_EQ(unfolded(root), before) << round;
     expectConsistent(root);
 
+    sxGroup *x = nullptr, *y = nullptr;
+    const std::function<void()> edits[] = {[&] { x->addChild(y); },
+                                           [&] { x->removeChild(y); },
+                                           [&] { x->insertChild(int(rng() % 3), y); },
+                                           [&] { x->replace(y); },
+                                           [&] { x->replaceGraph(y); },
+                                           [&] { x->insertAbove(y); },
+                                           [&] { x->insertBelow(y); },
+                                           [&] { x->remove(); }};
     for (int step = 0; step < 40; ++step) {
-      sxGroup* x = p[rng() % p.nodes.size()];
-      sxGroup* y = p[rng() % p.nodes.size()];
-      switch (rng() % 8) {
-        case 0:
-          x->addChild(y);
-          break;
-        case 1:
-          x->removeChild(y);
-          break;
-        case 2:
-          x->insertChild(int(rng() % 3), y);
-          break;
-        case 3:
-          x->replace(y);
-          break;
-        case 4:
-          x->replaceGraph(y);
-          break;
-        case 5:
-          x->insertAbove(y);
-          break;
-        case 6:
-          x->insertBelow(y);
-          break;
-        default:
-          x->remove();
-          break;
-      }
+      x = p[rng() % p.nodes.size()];
+      y = p[rng() % p.nodes.size()];
+      edits[rng() % 8]();
       for (auto& node : p.nodes) {
         expectConsistent(node.get());
         ASSERT_EQ(node->getRefCount(), node->getNumParents() + 1) << round << "/" << step;
@@ -330,20 +312,11 @@ TEST(sxGroup, ReadingDropsChildrenThatAreNoGroups) {
   sxTempDir dir;
   const std::string path = dir.file("mixed.sx");
   ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
-    sxEntry* g = f.newEntry(f.newTag("sxGroup"));
-    sxWriteObject(g, "root", {});
-    g->writeShort(0);
-    g->writeShort(0);
-    g->writeInt(3);
-    for (int ref : {1, 2, 1}) g->writeInt(ref);
+    sxWriteGroup(f, "sxGroup", "root", {1, 2, 1});
     sxEntry* e = f.newEntry(f.newTag("sxEvent"));
     sxWriteObject(e, "notAChild", {});
     e->writeInt(1);
-    sxEntry* c = f.newEntry(f.newTag("sxGroup"));
-    sxWriteObject(c, "child", {});
-    c->writeShort(0);
-    c->writeShort(0);
-    c->writeInt(0);
+    sxWriteGroup(f, "sxGroup", "child");
   }));
   const int eventsBefore = sxEvent::getNum(false);
   sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
