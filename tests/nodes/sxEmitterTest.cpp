@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -333,12 +334,9 @@ TEST(sxEmitter, EmittersAndListenersSurviveFilesAndCopies) {
     EXPECT_TRUE(x->isLoopingEnabled() && x->isDopplerEnabled() && x->isPlaying() &&
                 !x->isPositionable() && x->anyTravFlags(0x0400) && x->anyTravFlags(playingBit));
   };
-  sxTempDir dir;
-  const std::string path = dir.file("audio.sx");
-  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
-  sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
-  auto* g = static_cast<sxGroup*>(loaded.get());
+  sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root.get());
+  ASSERT_TRUE(loaded);
+  sxGroup* g = loaded.get();
   ASSERT_EQ(g->getNumChildren(), 1);
   ASSERT_TRUE(g->getChild(0)->isOfType(sxEmitter::getClassType()));
   auto* back = static_cast<sxEmitter*>(g->getChild(0));
@@ -384,9 +382,7 @@ TEST(sxEmitter, EmittersAndListenersSurviveFilesAndCopies) {
       s->set(float(i + 2));
       lis->addTrait(s.get());
     }
-    const std::string lp = dir.file("listener" + std::to_string(numAudio) + ".sx");
-    ASSERT_TRUE(sxWriteFile(lp, [&](sxFile& f) { lis->write(&f, nullptr); }));
-    sxRef<sxBase> in(sxLoader::importFile(lp.c_str()));
+    sxRef<sxBase> in = sxImportWritten([&](sxFile& f) { lis->write(&f, nullptr); });
     ASSERT_TRUE(in && in->isOfType(sxListener::getClassType())) << numAudio;
     auto* r = static_cast<sxListener*>(in.get());
     EXPECT_EQ(r->getMatrix(), lis->getMatrix());
@@ -406,7 +402,6 @@ TEST(sxEmitter, EmittersAndListenersSurviveFilesAndCopies) {
 // Records whose counts and lengths lie: nothing is allocated by them, and
 // the reader neither runs past the data nor keeps objects of the wrong kind.
 TEST(sxEmitter, HostileRecordsAreRefusedOrTrimmed) {
-  sxTempDir dir;
   auto emitterRecord = [](sxFile& f, int waveLength, int dataBytes) {
     sxEntry* e = sxWriteGroup(f, "sxEmitter", "e", {}, 0x0400);
     e->writeInt(0x4);
@@ -418,28 +413,21 @@ TEST(sxEmitter, HostileRecordsAreRefusedOrTrimmed) {
   };
   // A wave length past the data fails the record, a huge one too.
   for (int length : {0x7FFFFFFF, 40}) {
-    const std::string path = dir.file("e" + std::to_string(length) + ".sx");
-    ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) { emitterRecord(f, length, 16); }));
-    sxRef<sxBase> in(sxLoader::importFile(path.c_str()));
-    EXPECT_FALSE(in) << length;
+    EXPECT_FALSE(sxImportWritten([&](sxFile& f) { emitterRecord(f, length, 16); })) << length;
   }
   // A name without its NUL within the length is cut at the length; the
   // rest of the record is read past it.
-  {
-    const std::string path = dir.file("short.sx");
-    ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) {
-      sxEntry* e = emitterRecord(f, 4, 4);
-      const float rest[] = {1, 2, 7, 1, 1, 0};
-      e->writeFloats(rest, 6);
-      e->writeInt(1);
-    }));
-    sxRef<sxBase> in(sxLoader::importFile(path.c_str()));
-    ASSERT_TRUE(in);
-    auto* e = static_cast<sxEmitter*>(in.get());
-    EXPECT_STREQ(e->getWaveName(), "xxxx");
-    EXPECT_EQ(e->getAudioLevel(), 1.0f) << "clamped on reading";
-    EXPECT_TRUE(e->isLoopingEnabled() && e->isPlaying());
-  }
+  sxRef<sxBase> in = sxImportWritten([&](sxFile& f) {
+    sxEntry* e = emitterRecord(f, 4, 4);
+    const float rest[] = {1, 2, 7, 1, 1, 0};
+    e->writeFloats(rest, 6);
+    e->writeInt(1);
+  });
+  ASSERT_TRUE(in);
+  auto* e = static_cast<sxEmitter*>(in.get());
+  EXPECT_STREQ(e->getWaveName(), "xxxx");
+  EXPECT_EQ(e->getAudioLevel(), 1.0f) << "clamped on reading";
+  EXPECT_TRUE(e->isLoopingEnabled() && e->isPlaying());
   // A listener claiming 2^31-1 audio traits, with references to a group
   // among its traits, and one whose tail does not match its counts.
   auto listenerRecord = [](sxEntry* e, int numAudio, std::vector<int> tail) {
@@ -452,24 +440,21 @@ TEST(sxEmitter, HostileRecordsAreRefusedOrTrimmed) {
   };
   const int groupsBefore = sxGroup::getNum(false);
   for (bool matching : {true, false}) {
-    const std::string path = dir.file(matching ? "l1.sx" : "l2.sx");
-    ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) {
-      // n = 1: one audio reference (the group), n, one traversal
-      // reference (the group again), the context (none).
-      std::vector<int> tail = {1, 1, 1, -1};
-      if (!matching) tail = {1, 5, 1, 1, -1, -1};
+    // n = 1: one audio reference (the group), n, one traversal reference
+    // (the group again), the context (none).
+    const std::vector<int> tail =
+        matching ? std::vector<int>{1, 1, 1, -1} : std::vector<int>{1, 5, 1, 1, -1, -1};
+    in = sxImportWritten([&](sxFile& f) {
       listenerRecord(f.newEntry(f.newTag("sxListener")), 0x7FFFFFFF, tail);
       sxWriteGroup(f, "sxGroup", "g");
-    }));
-    sxRef<sxBase> in(sxLoader::importFile(path.c_str()));
+    });
     if (!matching) {
       EXPECT_FALSE(in);
       continue;
     }
     ASSERT_TRUE(in && in->isOfType(sxListener::getClassType()));
     auto* l = static_cast<sxListener*>(in.get());
-    EXPECT_EQ(l->getNumAudioTraits(), 0);
-    EXPECT_EQ(l->getNumTravTraits(), 0);
+    EXPECT_EQ(std::pair(l->getNumAudioTraits(), l->getNumTravTraits()), std::pair(0, 0));
     ASSERT_NE(l->getTravContext(), nullptr) << "keeps its own context";
   }
   EXPECT_EQ(sxGroup::getNum(false), groupsBefore) << "the group went with the file";

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -76,17 +77,6 @@ std::string unfolded(const sxGroup* g) {
   std::string out = std::string("(") + (g->getName() ? g->getName() : "-");
   for (int i = 0; i < g->getNumChildren(); ++i) out += unfolded(g->getChild(i));
   return out + ")";
-}
-
-// The graph below root exported to a file and imported again; null when
-// either fails or the file's root is no group.
-sxRef<sxGroup> throughFile(sxGroup* root) {
-  sxTempDir dir;
-  const std::string path = dir.file("graph.sx");
-  sxRef<sxBase> loaded;
-  if (sxLoader::exportFile(root, path.c_str())) loaded = sxLoader::importFile(path.c_str());
-  if (!loaded || !loaded->isOfType(sxGroup::getClassType())) return {};
-  return sxRef<sxGroup>(static_cast<sxGroup*>(loaded.get()));
 }
 
 // A content bit owned by a leaf kind, as geometry owns 0x0200.
@@ -270,7 +260,7 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
     sxGroup* root = p[0];
     expectConsistent(root);
 
-    sxRef<sxGroup> loaded = throughFile(root);
+    sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root);
     ASSERT_TRUE(loaded);
     EXPECT_EQ(shape(loaded.get()), shape(root)) << round;
 
@@ -309,17 +299,14 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
 // A child list that names a non-group object: the group is read without it,
 // and the object goes with the file.
 TEST(sxGroup, ReadingDropsChildrenThatAreNoGroups) {
-  sxTempDir dir;
-  const std::string path = dir.file("mixed.sx");
-  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
+  const int eventsBefore = sxEvent::getNum(false);
+  sxRef<sxBase> root = sxImportWritten([](sxFile& f) {
     sxWriteGroup(f, "sxGroup", "root", {1, 2, 1});
     sxEntry* e = f.newEntry(f.newTag("sxEvent"));
     sxWriteObject(e, "notAChild", {});
     e->writeInt(1);
     sxWriteGroup(f, "sxGroup", "child");
-  }));
-  const int eventsBefore = sxEvent::getNum(false);
-  sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
+  });
   ASSERT_TRUE(root && root->isOfType(sxGroup::getClassType()));
   auto* g = static_cast<sxGroup*>(root.get());
   ASSERT_EQ(g->getNumChildren(), 1);
@@ -383,7 +370,7 @@ TEST(sxGroup, DeepGraphsGoThroughEveryPass) {
   root->getBoundingVolume(volume);
   root->update(counter->getTravContext());
   EXPECT_FALSE(root->anyTravFlags(sxGroup::TRAV_FLAG_UPDATE));
-  sxRef<sxGroup> loaded = throughFile(root.get());
+  sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root.get());
   ASSERT_TRUE(loaded);
   EXPECT_EQ(counter->count(loaded.get()), depth + 1);
   // Detaching the chain's top tells every node below it.

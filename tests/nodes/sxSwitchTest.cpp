@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -456,12 +457,9 @@ TEST(sxSwitch, CopiesAndFilesKeepWhatTheSwitchesHold) {
   sxRef<sxGroup> again(root->makeCopy());
   EXPECT_EQ(describe(again.get(), true), describe(root.get(), true));
 
-  sxTempDir dir;
-  const std::string path = dir.file("switches.sx");
-  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
-  sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
-  EXPECT_EQ(describe(static_cast<sxGroup*>(loaded.get()), false), before);
+  sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root.get());
+  ASSERT_TRUE(loaded);
+  EXPECT_EQ(describe(loaded.get(), false), before);
 }
 
 // Range-switch records written by hand: counts that do not match the
@@ -489,9 +487,7 @@ TEST(sxRangeSwitch, HostileRecordsLeaveTheChildrenAligned) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
-    sxTempDir dir;
-    const std::string path = dir.file("hostile.sx");
-    ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) {
+    sxRef<sxBase> loaded = sxImportWritten([&](sxFile& f) {
       sxEntry* e = sxWriteGroup(f, "sxRangeSwitch", "R", {1, 2});
       e->writeInt(c.stateCount);
       for (int b : c.stateBytes) e->writeByte(static_cast<unsigned char>(b));
@@ -505,8 +501,7 @@ TEST(sxRangeSwitch, HostileRecordsLeaveTheChildrenAligned) {
       for (float v : {c.time + 1, 0.0f, 0.0f}) e->writeFloat(v);
       e->writeInt(1);
       for (const char* name : {"A", "B"}) sxWriteGroup(f, "sxGroup", name);
-    }));
-    sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
+    });
     ASSERT_TRUE(loaded && loaded->isOfType(sxRangeSwitch::getClassType()));
     auto* r = static_cast<sxRangeSwitch*>(loaded.get());
     ASSERT_EQ(r->getNumChildren(), 2);

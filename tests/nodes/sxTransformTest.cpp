@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -354,13 +355,9 @@ TEST(sxTransform, NodeKindsSurviveFilesCopiesAndClones) {
   root->getBoundingVolume(expected);
   ASSERT_FALSE(expected.isEmpty());
 
-  sxTempDir dir;
-  const std::string path = dir.file("placed.sx");
-  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
-  sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(loaded && loaded->isOfType(sxGroup::getClassType()));
-  std::vector<sxRef<sxGroup>> copies = {sxRef<sxGroup>(static_cast<sxGroup*>(loaded.get())),
-                                        sxRef<sxGroup>(root->makeCopy()),
+  sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root.get());
+  ASSERT_TRUE(loaded);
+  std::vector<sxRef<sxGroup>> copies = {loaded, sxRef<sxGroup>(root->makeCopy()),
                                         sxRef<sxGroup>(root->makeClone())};
   for (const sxRef<sxGroup>& g : copies) {
     ASSERT_EQ(g->getNumChildren(), 1);
