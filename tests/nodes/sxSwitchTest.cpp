@@ -156,9 +156,7 @@ TEST(sxSwitch, TransitionsRunOnTheScenesClock) {
   scene->addChild(sw);
   for (const char* name : {"A", "B", "C"}) sw->addChild(make(name));
   EXPECT_EQ(states(sw), "A1 B0 C0");
-  EXPECT_FALSE(sw->selectChild(3));
-  EXPECT_FALSE(sw->selectChild(-1, true));
-  EXPECT_FALSE(sw->selectChild(3, true));
+  EXPECT_FALSE(sw->selectChild(3) || sw->selectChild(-1, true) || sw->selectChild(3, true));
   EXPECT_TRUE(sw->selectChild(-1));
   EXPECT_EQ(states(sw), "A0 B0 C0");
   sw->selectChild(1);
@@ -221,9 +219,8 @@ TEST(sxAutoSwitch, StepsByFramesAndStopsWhenItsChildGoes) {
     const char* steps;
   };
   const Case cases[] = {
-      {sxIterator::LOOP, sxIterator::FORWARD, -1, "0120120"},
-      {sxIterator::LOOP, sxIterator::BACKWARD, -1, "2102102"},
-      {sxIterator::SWING, sxIterator::FORWARD, -1, "0121012"},
+      // The cycles themselves are the iterator's (containers/sxIterator).
+      {sxIterator::SWING, sxIterator::BACKWARD, -1, "2101210"},
       {sxIterator::ONCE, sxIterator::FORWARD, -1, "0122222"},
       {sxIterator::LOOP, sxIterator::FORWARD, 1, "0112011"},
   };
