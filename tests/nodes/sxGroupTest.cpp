@@ -7,6 +7,7 @@
 #include <random>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/sxTestFiles.h"
@@ -235,11 +236,10 @@ TEST(sxGroup, FindGroupReturnsTheSecondMatchWhenGivenAStart) {
   root->addChild(b);
   b->addChild(a1);
   root->addChild(a2);
-  EXPECT_EQ(root->findGroup("a"), a1);
-  EXPECT_EQ(root->findGroup("a", root), a2);
-  EXPECT_EQ(root->findGroup("a", a2), a2);
-  EXPECT_EQ(root->findGroup("none"), nullptr);
-  EXPECT_EQ(root->findGroup(nullptr), nullptr);
+  EXPECT_EQ(
+      std::tuple(root->findGroup("a"), root->findGroup("a", root), root->findGroup("a", a2),
+                 root->findGroup("none"), root->findGroup(nullptr)),
+      (std::tuple<sxGroup*, sxGroup*, sxGroup*, sxGroup*, sxGroup*>{a1, a2, a2, nullptr, nullptr}));
 }
 
 // Random graphs with shared instances, each through a file, a copy, a
