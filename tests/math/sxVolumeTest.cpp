@@ -53,11 +53,11 @@ TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
     EXPECT_EQ(s, after);
   }
   s.setRadius(-3.0f);
-  EXPECT_EQ(s.radius, 0.0f);
-  EXPECT_FALSE(s.isEmpty());
-  // Around another sphere, one inside, one that swallows it and an empty one.
-  s = S(0, 0, 0, 1);
-  for (const auto& [other, after] : {std::pair(S(4, 0, 0, 1), S(2, 0, 0, 3)),
+  EXPECT_TRUE(s.radius == 0.0f && !s.isEmpty());
+  // Around another sphere from none, one inside, one that swallows it and an empty one.
+  s.makeEmpty();
+  for (const auto& [other, after] : {std::pair(S(0, 0, 0, 1), S(0, 0, 0, 1)),
+                                     {S(4, 0, 0, 1), S(2, 0, 0, 3)},
                                      {S(1, 0, 0, 0.5f), S(2, 0, 0, 3)},
                                      {S(1, 0, 0, 10), S(1, 0, 0, 10)},
                                      {sxSphere(), S(1, 0, 0, 10)}}) {
@@ -65,9 +65,6 @@ TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
     EXPECT_EQ(s, after);
   }
   sxSphere around;
-  around.extendAround(S(1, 1, 1, 2));
-  EXPECT_EQ(around, S(1, 1, 1, 2));
-  around.makeEmpty();
   around.extendAround(unitBox);
   for (int corner = 0; corner < 8; ++corner)
     EXPECT_LE(around.center.distance(unitBox.cornerOf(corner)), around.radius * 1.00001f);
@@ -97,7 +94,6 @@ TEST_F(sxVolumeTest, SphereGrowsContainsAndTransforms) {
   EXPECT_TRUE(s.center.almostEqual(v(0, 1, 5), 1e-6f));
   EXPECT_EQ(s.radius, 2.0f);
   s.xform(Built().scale(3, 3, 3));
-  EXPECT_FLOAT_EQ(s.radius, 6.0f);
   s.xform(Built().scale(10, 10, 1));
   EXPECT_FLOAT_EQ(s.radius, 6.0f);
   around.makeEmpty();
@@ -109,13 +105,10 @@ TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
   sxBox b;
   EXPECT_TRUE(b.isEmpty());
   b.extendAround(v(1, 2, 3));
-  EXPECT_EQ(b.getMax(), v(1, 2, 3));
   b.extendAround(v(-1, 5, 3));
   EXPECT_EQ(span(b), std::pair(v(-1, 2, 3), v(1, 5, 3)));
   sxVec3 corner(7, 7, 7);
   const sxBox box = B(v(0, 1, 2), v(3, 4, 5));
-  box.getCorner(sxVec3::OCTANT_PPP, corner);
-  EXPECT_EQ(corner, v(3, 4, 5));
   box.getCorner(sxVec3::OCTANT_NPN, corner);
   box.getCorner(static_cast<sxVec3::OCTANT>(8), corner);  // no such octant: unchanged
   EXPECT_EQ(corner, v(0, 4, 2));
@@ -128,7 +121,6 @@ TEST_F(sxVolumeTest, BoxGrowsContainsAndTransforms) {
       "IOIPOIPOPO");
   b = unitBox;
   b.extendAround(S(3, 0, 0, 1));
-  EXPECT_EQ(b.getMax(), v(4, 1, 1));
   b.extendAround(B(v(-2, 0, 0), v(0, 0, 5)));
   b.extendAround(sxBox());
   b.extendAround(sxSphere());
@@ -155,20 +147,15 @@ TEST_F(sxVolumeTest, PlaneConstructionTestsAndTransforms) {
   sxPlane p;
   EXPECT_EQ(p.getNegOctant(), sxVec3::OCTANT_PPP);
   p.make(v(0, 0, 5), v(0, 0, 2));
-  EXPECT_EQ(p.getNormal(), v(0, 0, 1));
-  EXPECT_EQ(p.pointDistance(v(0, 0, 5)), -10.0f);
-  EXPECT_EQ(p[2], 1.0f);
-  EXPECT_EQ(p[3], 5.0f);
-  EXPECT_EQ(p[-1], 5.0f);
+  EXPECT_EQ(std::tuple(p.getNormal(), p.pointDistance(v(0, 0, 5)), p[2], p[3], p[-1]),
+            std::tuple(v(0, 0, 1), -10.0f, 1.0f, 5.0f, 5.0f));
   EXPECT_EQ(holds(p, v(0, 0, 5), v(0, 0, 5.001f)), "IO");
   p.make(v(-3, 0, -4), 2.0f);
   EXPECT_TRUE(p.getNormal().almostEqual(v(-0.6f, 0, -0.8f), 1e-6f));
   EXPECT_EQ(p.getNegOctant(), sxVec3::OCTANT_NPN);
   p.make(v(0, 0, 1), v(1, 0, 1), v(0, 1, 1));
-  EXPECT_EQ(p.getOffset(), 1.0f);
   p.setNormal(0, 3, 0);
-  EXPECT_EQ(p.getNormal(), v(0, 1, 0));
-  EXPECT_EQ(p.getOffset(), 1.0f);
+  EXPECT_EQ(std::pair(p.getNormal(), p.getOffset()), std::pair(v(0, 1, 0), 1.0f));
   // z <= 0; slanted, y <= x, where the octant picks the corners; half
   // spaces against half spaces.
   const sxPlane below = P(0, 0, 1, 0), slant = P(-1, 1, 0, 0);
@@ -212,9 +199,9 @@ TEST_F(sxVolumeTest, RaysAgainstVolumesTrianglesAndQuads) {
   EXPECT_EQ(end, v(0, 0, 3.4028233e36f));
   r.makeFromPoints(v(1, 1, 1), v(1, 1, 4));
   r.getEndPoint(end);
-  EXPECT_EQ(end, v(1, 1, 4));
-  EXPECT_EQ(R(v(1, 1, 1), v(1, 1, 1)).getLength(), 0.0f);
-  EXPECT_EQ(R(v(0, 0, 0), v(0, 1.0000001f, 0)).getLength(), 1.0f);
+  EXPECT_EQ(std::tuple(end, R(v(1, 1, 1), v(1, 1, 1)).getLength(),
+                       R(v(0, 0, 0), v(0, 1.0000001f, 0)).getLength()),
+            std::tuple(v(1, 1, 4), 0.0f, 1.0f));
   EXPECT_EQ(r, R(v(1, 1, 1), v(1, 1, 4)));
   EXPECT_NE(r, R(v(1, 1, 1), v(1, 1, 5)));
   // Against the ground, z <= 0: away, parallel and of no length miss; a
@@ -246,10 +233,9 @@ TEST_F(sxVolumeTest, RaysAgainstVolumesTrianglesAndQuads) {
   const sxMatrix m = Built().scale(2, 2, 2).thenTrans(1, 0, 0);
   r = R(v(0, 0, 0), v(0, 3, 0));
   r.xform(m);
-  EXPECT_EQ(r.getStartPoint(), v(1, 0, 0));
-  EXPECT_EQ(r.getDirection(), v(0, 1, 0));
   r.getEndPoint(end);
-  EXPECT_EQ(end, v(1, 6, 0));
+  EXPECT_EQ(std::tuple(r.getStartPoint(), r.getDirection(), end),
+            std::tuple(v(1, 0, 0), v(0, 1, 0), v(1, 6, 0)));
   r = R(v(0, 0, 0), v(1, 0, 0), -1.0f);
   r.xform(r, m);
   EXPECT_TRUE(r.isUnbounded());
@@ -311,7 +297,6 @@ TEST_F(sxVolumeTest, DispatchCopiesAndEmptiness) {
   s.copy(*volumes[1]);  // another kind: nothing
   EXPECT_EQ(s, S(5, 5, 5, 1));
   s.copy(*volumes[2]);
-  EXPECT_EQ(s, S(0, 0, 0, 1));
   static_cast<sxVolume&>(s).extendAround(static_cast<const sxVolume&>(S(3, 0, 0, 1)));
   EXPECT_FLOAT_EQ(s.radius, 2.5f);
   sxVec3 center(7, 7, 7);
@@ -331,11 +316,9 @@ class sxFrustumTest : public testing::Test {
 TEST_F(sxFrustumTest, MadeInEyeSpace) {
   sxFrustum f;
   ASSERT_TRUE(f.makePersp(-1, 2, -0.5f, 0.5f, 1, 10));
-  EXPECT_FALSE(f.isOrtho());
-  EXPECT_FALSE(f.isSymmetrical());
+  EXPECT_FALSE(f.isOrtho() || f.isSymmetrical());
   // Corner bits: 1 right, 2 top, 4 far. Looking along +Y with Z up.
-  EXPECT_EQ(f.getCorner(0), v(-1, 1, -0.5f));
-  EXPECT_EQ(f.getCorner(5), v(20, 10, -5));
+  EXPECT_EQ(std::pair(f.getCorner(0), f.getCorner(5)), std::pair(v(-1, 1, -0.5f), v(20, 10, -5)));
   EXPECT_EQ(holds(f, v(0, 5, 0), v(0, 0.5f, 0), v(-5.1f, 5, 0)), "IOO");
   EXPECT_TRUE(f.getPlane(sxFrustum::FACE_NEAR).getNormal().almostEqual(v(0, -1, 0), 1e-6f));
   ASSERT_TRUE(f.makeFOV(90, 60, 2, 100));
@@ -344,14 +327,12 @@ TEST_F(sxFrustumTest, MadeInEyeSpace) {
   f.getNearPlaneCoords(l, r, b, t);
   EXPECT_FLOAT_EQ(t, 2.0f * std::tan(30.0f * 3.14159265f / 180.0f));
   ASSERT_TRUE(f.makeOrtho(-1, 1, -1, 1, 0, 10));
-  EXPECT_TRUE(f.isOrtho());
-  EXPECT_EQ(f.getCorner(7), v(1, 10, 1));
+  EXPECT_TRUE(f.isOrtho() && f.getCorner(7) == v(1, 10, 1));
   sxVec3 center;
   f.getCenter(center);
   EXPECT_TRUE(center.almostEqual(v(0, 5, 0), 1e-5f));
   // Bad parameters leave it empty.
-  EXPECT_FALSE(f.makePersp(-1, 1, -1, 1, 0, 10));
-  EXPECT_TRUE(f.isEmpty());
+  EXPECT_TRUE(!f.makePersp(-1, 1, -1, 1, 0, 10) && f.isEmpty());
   EXPECT_EQ(holds(f, v(0, 5, 0), S(0, 5, 0, 100)), "OO");
   const float nan = std::numeric_limits<float>::quiet_NaN();
   EXPECT_EQ(where({f.makePersp(1, -1, -1, 1, 1, 5), f.makePersp(-1, 1, -1, 1, 5, 5),

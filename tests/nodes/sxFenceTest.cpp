@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -72,19 +73,12 @@ TEST(sxFence, HostileRecordsGiveEmptyFences) {
       {"sxBoxFence", {1, 0, 0, 0, 1, 1}},    {"sxBoxFence", {0, 0, 0, 1, nan, 1}},
       {"sxBoxFence", {-inf, 0, 0, 1, 1, 1}},
   };
-  sxTempDir dir;
   for (std::size_t i = 0; i < cases.size(); ++i) {
     SCOPED_TRACE(i);
-    const std::string path = dir.file("fence" + std::to_string(i) + ".sx");
-    ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) {
-      sxEntry* e = f.newEntry(f.newTag(cases[i].tag));
-      sxWriteObject(e, "fence", {});
-      e->writeShort(0);  // no content bit
-      e->writeShort(0);
-      e->writeInt(0);
+    sxRef<sxBase> loaded = sxImportWritten([&](sxFile& f) {
+      sxEntry* e = sxWriteGroup(f, cases[i].tag, "fence");  // no content bit
       for (float v : cases[i].values) e->writeFloat(v);
-    }));
-    sxRef<sxBase> loaded(sxLoader::importFile(path.c_str()));
+    });
     ASSERT_TRUE(loaded && loaded->isOfType(sxFence::getClassType()));
     auto* fence = static_cast<sxFence*>(loaded.get());
     EXPECT_TRUE(fence->anyTravFlags(sxFence::CONTENT_FENCE));

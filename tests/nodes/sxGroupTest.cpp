@@ -7,9 +7,11 @@
 #include <random>
 #include <set>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -78,17 +80,6 @@ std::string unfolded(const sxGroup* g) {
   return out + ")";
 }
 
-// The graph below root exported to a file and imported again; null when
-// either fails or the file's root is no group.
-sxRef<sxGroup> throughFile(sxGroup* root) {
-  sxTempDir dir;
-  const std::string path = dir.file("graph.sx");
-  sxRef<sxBase> loaded;
-  if (sxLoader::exportFile(root, path.c_str())) loaded = sxLoader::importFile(path.c_str());
-  if (!loaded || !loaded->isOfType(sxGroup::getClassType())) return {};
-  return sxRef<sxGroup>(static_cast<sxGroup*>(loaded.get()));
-}
-
 // A content bit owned by a leaf kind, as geometry owns 0x0200.
 struct ContentLeaf : sxGroup {
   ContentLeaf() { addTravFlags(0x0200); }
@@ -134,9 +125,7 @@ TEST(sxGroup, EditsRefuseWhatWouldBreakTheGraph) {
   sxGroup* other = p.add("other");
   ASSERT_TRUE(other->addChild(b));
   EXPECT_FALSE(b->addChild(other));
-  EXPECT_TRUE(b->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
-  EXPECT_TRUE(root->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
-  EXPECT_TRUE(other->getTravFlags() & sxGroup::TRAV_FLAG_SHARED);
+  for (sxGroup* g : {b, root, other}) EXPECT_TRUE(g->anyTravFlags(sxGroup::TRAV_FLAG_SHARED));
   expectConsistent(root);
 }
 
@@ -247,11 +236,10 @@ TEST(sxGroup, FindGroupReturnsTheSecondMatchWhenGivenAStart) {
   root->addChild(b);
   b->addChild(a1);
   root->addChild(a2);
-  EXPECT_EQ(root->findGroup("a"), a1);
-  EXPECT_EQ(root->findGroup("a", root), a2);
-  EXPECT_EQ(root->findGroup("a", a2), a2);
-  EXPECT_EQ(root->findGroup("none"), nullptr);
-  EXPECT_EQ(root->findGroup(nullptr), nullptr);
+  EXPECT_EQ(
+      std::tuple(root->findGroup("a"), root->findGroup("a", root), root->findGroup("a", a2),
+                 root->findGroup("none"), root->findGroup(nullptr)),
+      (std::tuple<sxGroup*, sxGroup*, sxGroup*, sxGroup*, sxGroup*>{a1, a2, a2, nullptr, nullptr}));
 }
 
 // Random graphs with shared instances, each through a file, a copy, a
@@ -272,7 +260,7 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
     sxGroup* root = p[0];
     expectConsistent(root);
 
-    sxRef<sxGroup> loaded = throughFile(root);
+    sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root);
     ASSERT_TRUE(loaded);
     EXPECT_EQ(shape(loaded.get()), shape(root)) << round;
 
@@ -287,35 +275,19 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
     EXPECT_EQ(unfolded(root), before) << round;
     expectConsistent(root);
 
+    sxGroup *x = nullptr, *y = nullptr;
+    const std::function<void()> edits[] = {[&] { x->addChild(y); },
+                                           [&] { x->removeChild(y); },
+                                           [&] { x->insertChild(int(rng() % 3), y); },
+                                           [&] { x->replace(y); },
+                                           [&] { x->replaceGraph(y); },
+                                           [&] { x->insertAbove(y); },
+                                           [&] { x->insertBelow(y); },
+                                           [&] { x->remove(); }};
     for (int step = 0; step < 40; ++step) {
-      sxGroup* x = p[rng() % p.nodes.size()];
-      sxGroup* y = p[rng() % p.nodes.size()];
-      switch (rng() % 8) {
-        case 0:
-          x->addChild(y);
-          break;
-        case 1:
-          x->removeChild(y);
-          break;
-        case 2:
-          x->insertChild(int(rng() % 3), y);
-          break;
-        case 3:
-          x->replace(y);
-          break;
-        case 4:
-          x->replaceGraph(y);
-          break;
-        case 5:
-          x->insertAbove(y);
-          break;
-        case 6:
-          x->insertBelow(y);
-          break;
-        default:
-          x->remove();
-          break;
-      }
+      x = p[rng() % p.nodes.size()];
+      y = p[rng() % p.nodes.size()];
+      edits[rng() % 8]();
       for (auto& node : p.nodes) {
         expectConsistent(node.get());
         ASSERT_EQ(node->getRefCount(), node->getNumParents() + 1) << round << "/" << step;
@@ -327,26 +299,14 @@ TEST(sxGroup, RandomGraphsSurviveRoundTrips) {
 // A child list that names a non-group object: the group is read without it,
 // and the object goes with the file.
 TEST(sxGroup, ReadingDropsChildrenThatAreNoGroups) {
-  sxTempDir dir;
-  const std::string path = dir.file("mixed.sx");
-  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
-    sxEntry* g = f.newEntry(f.newTag("sxGroup"));
-    sxWriteObject(g, "root", {});
-    g->writeShort(0);
-    g->writeShort(0);
-    g->writeInt(3);
-    for (int ref : {1, 2, 1}) g->writeInt(ref);
+  const int eventsBefore = sxEvent::getNum(false);
+  sxRef<sxBase> root = sxImportWritten([](sxFile& f) {
+    sxWriteGroup(f, "sxGroup", "root", {1, 2, 1});
     sxEntry* e = f.newEntry(f.newTag("sxEvent"));
     sxWriteObject(e, "notAChild", {});
     e->writeInt(1);
-    sxEntry* c = f.newEntry(f.newTag("sxGroup"));
-    sxWriteObject(c, "child", {});
-    c->writeShort(0);
-    c->writeShort(0);
-    c->writeInt(0);
-  }));
-  const int eventsBefore = sxEvent::getNum(false);
-  sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
+    sxWriteGroup(f, "sxGroup", "child");
+  });
   ASSERT_TRUE(root && root->isOfType(sxGroup::getClassType()));
   auto* g = static_cast<sxGroup*>(root.get());
   ASSERT_EQ(g->getNumChildren(), 1);
@@ -410,7 +370,7 @@ TEST(sxGroup, DeepGraphsGoThroughEveryPass) {
   root->getBoundingVolume(volume);
   root->update(counter->getTravContext());
   EXPECT_FALSE(root->anyTravFlags(sxGroup::TRAV_FLAG_UPDATE));
-  sxRef<sxGroup> loaded = throughFile(root.get());
+  sxRef<sxGroup> loaded = sxThroughFile<sxGroup>(root.get());
   ASSERT_TRUE(loaded);
   EXPECT_EQ(counter->count(loaded.get()), depth + 1);
   // Detaching the chain's top tells every node below it.

@@ -73,8 +73,7 @@ void expectListedOnlyUnderOwnClass() {
       ASSERT_TRUE(copy && disposable);
       // The copy is listed, the arena copy is not.
       EXPECT_EQ(std::tuple(C::getNum(false), sxBase::getNum(false)), std::tuple(2, base + 2));
-      EXPECT_TRUE(disposable->isDisposable());
-      EXPECT_EQ(disposable->getType(), C::getClassType());
+      EXPECT_TRUE(disposable->isDisposable() && disposable->getType() == C::getClassType());
       EXPECT_TRUE(arena.inRange(disposable) && arena.inRange(disposable->getName()));
       EXPECT_STREQ(disposable->getName(), "formObject");
       EXPECT_EQ(object.createDisposableCopy(nullptr), nullptr);

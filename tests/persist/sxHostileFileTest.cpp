@@ -9,6 +9,7 @@
 #include "support/sxCycles.h"
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
+#include "support/sxThroughFile.h"
 
 // Damaged and hostile files give their error code or a null result, never an
 // access out of bounds, a hang, a leak or a crash (checked under ASan too).
@@ -172,10 +173,8 @@ TEST(HostileFiles, DamagedHeadersTablesRecordsReferencesAndStreams) {
 // An array reference to an object's entry, an object reference to an array's,
 // an array of an unknown type or with more elements than its entry holds.
 TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
-  sxTempDir dir;
   sxTestHolder::initClass();
-  std::string path = dir.file("confused.sx");
-  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
+  sxRef<sxBase> root = sxImportWritten([](sxFile& f) {
     int holder = f.newTag("sxTestHolder");
     int array = f.newTag("sxArray");
     // The root has no array; its holders' arrays are entries 5 (unknown type),
@@ -193,8 +192,7 @@ TEST(HostileFiles, ArraysAndObjectsAreNotConfused) {
       e->writeInt(a[1]);
       e->writeInt(a[2]);
     }
-  }));
-  sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
+  });
   auto* typed = dynamic_cast<sxTestHolder*>(root.get());
   ASSERT_NE(typed, nullptr);
   EXPECT_EQ(typed->getArray(), nullptr);

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 namespace {
 
@@ -70,16 +71,13 @@ TEST(ReadBudget, EntriesSharingOneCompressedBlockCannotInflateTheReader) {
 }
 
 TEST(ReadBudget, ASoundFileReadsInFullHoweverWellItCompresses) {
-  sxTempDir dir;
-  const std::string path = dir.file("zeros.sx");
   const int zeros = 48 << 20;  // past the budget's floor: only its scale admits it
-  ASSERT_TRUE(sxWriteFile(path, [](sxFile& f) {
-    sxEntry* root = f.newEntry(f.newTag("sxBase"));
+  sxRef<sxBase> root = sxImportWritten([](sxFile& f) {
+    sxEntry* e = f.newEntry(f.newTag("sxBase"));
     std::vector<unsigned char> data(std::size_t(zeros), 0);  // no name, flags 0, no attributes
-    root->setData(data.data(), zeros);
-    root->setCompression(sxEntry::RUN_LENGTH);
-  }));
-  sxRef<sxBase> root(sxLoader::importFile(path.c_str()));
+    e->setData(data.data(), zeros);
+    e->setCompression(sxEntry::RUN_LENGTH);
+  });
   EXPECT_NE(root, nullptr) << sxLoader::getErrorMessage();
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_NONE);
 }

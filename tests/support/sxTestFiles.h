@@ -77,6 +77,19 @@ inline void sxWriteObject(sxEntry* e, const char* name, const std::vector<int>& 
   for (int r : refs) e->writeInt(r);
 }
 
+// A new entry of the class tag holding the record of a group without
+// attributes: its two flag words and its children's directory numbers.
+inline sxEntry* sxWriteGroup(sxFile& f, const char* tag, const char* name,
+                             const std::vector<int>& children = {}, int travFlags = 0) {
+  sxEntry* e = f.newEntry(f.newTag(tag));
+  sxWriteObject(e, name, {});
+  e->writeShort(short(travFlags));
+  e->writeShort(0);
+  e->writeInt(int(children.size()));
+  for (int c : children) e->writeInt(c);
+  return e;
+}
+
 // Attribute i of an object, null where there is none.
 inline sxBase* sxAttribute(const sxBase* obj, int i) {
   const sxTList<sxBase*>* list = obj->getAttribList();

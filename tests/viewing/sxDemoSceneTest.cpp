@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 #include "sxDemoRun.h"
 #include "sxDemoScene.h"
 
@@ -28,7 +28,6 @@ std::map<std::string, int> census(const sxDemoParts& p) {
 // it, and the copy runs on as the original does: the same nodes visited
 // from the same viewpoint, emitters and switches driven alike.
 TEST(sxDemoScene, RunsAndRunsOnAfterAFile) {
-  sxTempDir dir;
   sxDemoConfig config;
   config.objects = 200;
   // Fades run on the real clock: one ending between the two runs' frames
@@ -45,12 +44,10 @@ TEST(sxDemoScene, RunsAndRunsOnAfterAFile) {
   EXPECT_GT(last.playing, 0);
   EXPECT_LT(last.playing, int(built.emitters.size()));
 
-  const std::string path = dir.file("demo.sx");
-  ASSERT_TRUE(sxLoader::exportFile(built.scene.get(), path.c_str()));
-  sxRef<sxBase> back(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(back && back->isOfType(sxScene::getClassType()));
+  sxRef<sxScene> back = sxThroughFile<sxScene>(built.scene.get());
+  ASSERT_TRUE(back);
   sxDemoParts loaded;
-  loaded.find(static_cast<sxScene*>(back.get()));
+  loaded.find(back.get());
   EXPECT_EQ(census(loaded), census(built));
 
   // Both run the same next frames from the same state.

@@ -9,7 +9,7 @@
 #include <thread>
 #include <vector>
 
-#include "support/sxTestFiles.h"
+#include "support/sxThroughFile.h"
 
 // A node that writes what the scene calls on it into a shared log, and can
 // register more nodes or take itself off while it is called.
@@ -138,7 +138,6 @@ TEST(sxScene, NodesLeavingTheGraphLeaveEveryList) {
 }
 
 TEST(sxScene, StylesPushTheirTraitsInEveryPassAndKeepThemInFiles) {
-  sxTempDir dir;
   sxRef<sxScene> scene(new sxScene);
   sxRef<sxStyle> pruned(new sxStyle), open(new sxStyle);
   sxRef<sxPrune> prune(new sxPrune);
@@ -164,18 +163,14 @@ TEST(sxScene, StylesPushTheirTraitsInEveryPassAndKeepThemInFiles) {
   };
   EXPECT_EQ(visits(scene.get()), 1);
 
-  const std::string path = dir.file("styles.sx");
-  ASSERT_TRUE(sxLoader::exportFile(scene.get(), path.c_str()));
-  sxRef<sxBase> back(sxLoader::importFile(path.c_str()));
-  ASSERT_TRUE(back && back->isOfType(sxScene::getClassType()));
-  sxScene* loaded = static_cast<sxScene*>(back.get());
-  ASSERT_EQ(loaded->getNumChildren(), 2);
+  sxRef<sxScene> loaded = sxThroughFile<sxScene>(scene.get());
+  ASSERT_TRUE(loaded && loaded->getNumChildren() == 2);
   auto* p = static_cast<sxStyle*>(loaded->getChild(0));
   auto* o = static_cast<sxStyle*>(loaded->getChild(1));
   ASSERT_EQ(p->getTravTraits().getNum(), 2);
   ASSERT_EQ(o->getTravTraits().getNum(), 1);
   EXPECT_EQ(p->getTravTraits()[1], o->getTravTraits()[0]);  // still one trait
-  EXPECT_EQ(visits(loaded), 1);
+  EXPECT_EQ(visits(loaded.get()), 1);
 }
 
 TEST(sxScene, AccessNestsAndAReaderCannotTurnWriter) {
