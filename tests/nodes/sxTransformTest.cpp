@@ -92,13 +92,7 @@ std::vector<Pass> passes() {
        }},
       {"camera", [](sxGroup* root) { sxCamera().traverse(root); }},
       {"collider", [](sxGroup* root) { sxCollider().traverse(root); }},
-      {"listener",
-       [](sxGroup* root) {
-         // Its pass walks only towards playing emitters unless told to.
-         sxListener listener;
-         listener.getTravContext()->setTravMask(sxGroup::TRAV_CONTENT_MASK);
-         listener.traverse(root);
-       }},
+      {"listener", [](sxGroup* root) { sxListener().traverse(root); }},
       {"update",
        [](sxGroup* root) {
          sxRef<sxTravContext> ctx(new sxTravContext);
