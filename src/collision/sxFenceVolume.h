@@ -40,3 +40,30 @@ void sxiGrowBy(sxVolume& outer, const V& v, const sxMatrix& top) {
   placed.xform(top);
   outer.extendAround(placed);
 }
+
+// The source of a fence bounded by one volume, the member field, set by
+// Setter: the class record, the setter (made safe, bounds above marked),
+// growing the pass volume, and the record (the fence's, then the volume).
+#define SX_DEFINE_VOLUME_FENCE(Class, Volume, field, Setter)           \
+  SX_DEFINE_CLASS(Class, sxGroupType)                                  \
+  void Class::Setter(const Volume& v) {                                \
+    field = v;                                                         \
+    sxiMakeSafe(field);                                                \
+    dirtyUp(TRAV_FLAG_FENCES);                                         \
+  }                                                                    \
+  void Class::growVolume(sxVolume& outer, const sxMatrix& top) const { \
+    sxiGrowBy(outer, field, top);                                      \
+  }                                                                    \
+  sxEntry* Class::write(sxFile* file, sxEntry* entry) const {          \
+    sxEntry* created = sxFence::write(file, entry);                    \
+    sxEntry* e = entry ? entry : created;                              \
+    if (e) field.write(e);                                             \
+    return created;                                                    \
+  }                                                                    \
+  sxEntry* Class::read(sxFile* file, sxEntry* entry) {                 \
+    sxEntry* e = sxFence::read(file, entry);                           \
+    if (!e) return nullptr;                                            \
+    field.read(e);                                                     \
+    sxiMakeSafe(field);                                                \
+    return e;                                                          \
+  }
