@@ -28,7 +28,8 @@ void usage(std::FILE* out) {
                "  --help         print this text\n"
                "\n"
                "environment:\n"
-               "  SX_REGISTRY_FILE   the settings store (default ~/.config/Solmax/registry)\n");
+               "  SX_REGISTRY_FILE   the settings store (default ~/.config/Solmax/registry)\n"
+               "  SXCORE_MESSAGES    where library messages go: stdout (default), stderr, off\n");
 }
 
 }  // namespace

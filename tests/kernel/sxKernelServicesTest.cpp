@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <stdio.h>
+#include <unistd.h>
+
 #include <cstdio>
 #include <cstring>
 #include <memory>
@@ -48,10 +51,45 @@ TEST(sxKernel, MessagesGoToTheHandlerOrStandardOutput) {
   sxMessage("%s", std::string(5000, 'y').c_str());
   EXPECT_EQ(captured.size(), std::string("value 42 of x\n").size() + 2047);
   capture.reset();
-  testing::internal::CaptureStdout();
-  sxMessage("to stdout %d\n", 7);
-  std::fflush(stdout);
-  EXPECT_EQ(testing::internal::GetCapturedStdout(), "to stdout 7\n");
+  // Without a handler: the chosen stream, and nothing else.
+  const SX_MESSAGE_STREAM before = sxGetMessageStream();
+  for (SX_MESSAGE_STREAM to : {SX_MESSAGES_STDOUT, SX_MESSAGES_STDERR, SX_MESSAGES_OFF}) {
+    sxSetMessageStream(to);
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    sxMessage("to %d\n", int(to));
+    std::fflush(stdout);
+    const std::string err = testing::internal::GetCapturedStderr();
+    const std::string out = testing::internal::GetCapturedStdout();
+    const std::string line = "to " + std::to_string(int(to)) + "\n";
+    EXPECT_EQ(out, to == SX_MESSAGES_STDOUT ? line : "") << int(to);
+    EXPECT_EQ(err, to == SX_MESSAGES_STDERR ? line : "") << int(to);
+  }
+  sxSetMessageStream(before);
+}
+
+// The environment chooses the stream before the library's first message,
+// the one it prints while it loads: this test program run again.
+TEST(sxKernel, TheEnvironmentRoutesEvenTheLoadMessages) {
+  char self[4096];
+  const ssize_t n = readlink("/proc/self/exe", self, sizeof self - 1);
+  ASSERT_GT(n, 0);
+  self[n] = 0;
+  auto run = [&](const char* value, const char* streams) {
+    const std::string command =
+        std::string("SXCORE_MESSAGES=") + value + " '" + self + "' --gtest_list_tests " + streams;
+    std::string out;
+    if (std::FILE* p = popen(command.c_str(), "r")) {
+      char buffer[4096];
+      while (std::size_t k = std::fread(buffer, 1, sizeof buffer, p)) out.append(buffer, k);
+      pclose(p);
+    }
+    return out.find("Loading plug-in") != std::string::npos;
+  };
+  EXPECT_TRUE(run("stdout", "2>/dev/null"));
+  EXPECT_FALSE(run("stderr", "2>/dev/null"));
+  EXPECT_TRUE(run("stderr", "2>&1 >/dev/null"));
+  EXPECT_FALSE(run("off", "2>&1"));
 }
 
 TEST(sxKernel, InitStoresTheHandleEveryTime) {

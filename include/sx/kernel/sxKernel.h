@@ -46,14 +46,30 @@ SX_API const char* sxGetSignature();
 
 // --- messages
 // printf-style. Goes to the installed handler (formatted into a 2048-byte
-// buffer; longer text is cut), else straight to standard output.
+// buffer; longer text is cut), else to the message stream: standard output
+// unless the environment or sxSetMessageStream says otherwise.
 SX_API void sxMessage(const char* format, ...)
 #if defined(__GNUC__)
     __attribute__((format(printf, 1, 2)))
 #endif
     ;
-// Installs the handler; null restores standard output.
+// Installs the handler; null restores the message stream.
 SX_API void sxMessageHandler(void (*handler)(char*));
+
+/// Where messages go when no handler is installed. The environment variable
+/// SXCORE_MESSAGES, read before the first message (so also for those the
+/// library prints while it loads), chooses it: "stdout" (the default),
+/// "stderr", or "off"; any other value keeps the default. Tools whose
+/// standard output is meant for another program run with
+/// SXCORE_MESSAGES=stderr.
+enum SX_MESSAGE_STREAM : int {
+  SX_MESSAGES_STDOUT = 0,  ///< standard output
+  SX_MESSAGES_STDERR = 1,  ///< standard error
+  SX_MESSAGES_OFF = 2      ///< nowhere
+};
+/// Overrides the environment's choice from now on.
+SX_API void sxSetMessageStream(SX_MESSAGE_STREAM stream);
+SX_API SX_MESSAGE_STREAM sxGetMessageStream();
 // Makes standard output unbuffered, so that messages appear at once.
 SX_API void sxCreateConsole();
 // The standard stream exported for applications; the kernel does not use it.
