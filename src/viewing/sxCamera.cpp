@@ -9,7 +9,11 @@ sxCamera::sxCamera() : travContext(sxiPassEntry::newContext(sxTraitStack::STACK_
 sxCamera::sxCamera(const sxCamera& source)
     : sxBase(source),
       viewpoint(source.viewpoint),
-      travContext(sxiPassEntry::newContext(sxTraitStack::STACK_ALL)) {}
+      travContext(sxiPassEntry::newContext(sxTraitStack::STACK_ALL)) {
+  int l, r, b, t;
+  source.getViewport(l, r, b, t);
+  setViewport(l, r, b, t);
+}
 
 sxCamera::~sxCamera() = default;
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <climits>
+
 #include <sx/object/sxBase.h>
 #include <sx/object/sxRef.h>
 #include <sx/traversal/sxTravContext.h>
@@ -38,6 +40,22 @@ class SX_API sxCamera : public sxBase {
   virtual void setFrustum(const sxFrustum& eyeSpace) { viewpoint.setFrustum(eyeSpace); }
   const sxViewpoint& getViewpoint() const { return viewpoint; }
 
+  /// The part of its window the camera draws, in window pixels, bounds
+  /// included; mouse events are filtered by it. A new camera's viewport
+  /// takes every pixel. Rendering plug-ins override both.
+  virtual void getViewport(int& left, int& right, int& bottom, int& top) const {
+    left = viewport[0];
+    right = viewport[1];
+    bottom = viewport[2];
+    top = viewport[3];
+  }
+  virtual void setViewport(int left, int right, int bottom, int top) {
+    viewport[0] = left;
+    viewport[1] = right;
+    viewport[2] = bottom;
+    viewport[3] = top;
+  }
+
   /// The context of this object's passes over a graph (referenced; may be
   /// null, and then the passes do nothing).
   sxTravContext* getTravContext() const { return travContext.get(); }
@@ -46,4 +64,5 @@ class SX_API sxCamera : public sxBase {
  private:
   sxViewpoint viewpoint;
   sxRef<sxTravContext> travContext;
+  int viewport[4] = {INT_MIN, INT_MAX, INT_MIN, INT_MAX};
 };
