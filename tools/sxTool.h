@@ -7,3 +7,9 @@ int sxToolInfo(bool all);
 
 /// Builds or loads the sample scene, runs it and prints what it did.
 int sxToolDemo(int argc, char** argv);
+
+/// Prints a scene file's header, tag table and directory.
+int sxToolDump(const char* path);
+
+/// Prints the node hierarchy of a scene file, indented.
+int sxToolTree(const char* path);

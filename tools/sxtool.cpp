@@ -25,6 +25,9 @@ void usage(std::FILE* out) {
                "                 or read one, run N frames (default 600) of its update and\n"
                "                 of a culling camera pass from a moving viewpoint, and print\n"
                "                 per-frame costs and counts; --save writes the scene first\n"
+               "  dump FILE      print a scene file's header, tag table and directory\n"
+               "  tree FILE      print the node hierarchy of a scene file, indented, with\n"
+               "                 class, name and traversal flags\n"
                "  --help         print this text\n"
                "\n"
                "environment:\n"
@@ -43,6 +46,10 @@ int main(int argc, char** argv) {
   } else if (std::strcmp(argv[1], "info") == 0) {
     bool all = argc > 2 && std::strcmp(argv[2], "--all") == 0;
     result = sxToolInfo(all);
+  } else if (std::strcmp(argv[1], "dump") == 0 && argc == 3) {
+    result = sxToolDump(argv[2]);
+  } else if (std::strcmp(argv[1], "tree") == 0 && argc == 3) {
+    result = sxToolTree(argv[2]);
   } else if (std::strcmp(argv[1], "demo") == 0) {
     result = sxToolDemo(argc, argv);
   } else {
