@@ -12,7 +12,8 @@ void sxTransition::apply(sxTravContext* context) const {
 }
 
 bool sxTransition::isEqual(const sxTrait* other) const {
-  return isEqualValue(other, &sxTransition::scale) && isEqualValue(other, &sxTransition::mode);
+  return isEqualValue(other, &sxTransition::scale) &&
+         static_cast<const sxTransition*>(other)->mode == mode;
 }
 
 sxEntry* sxTransition::write(sxFile* file, sxEntry* entry) const {
