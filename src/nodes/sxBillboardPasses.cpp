@@ -30,11 +30,8 @@ void placed(const sxBillboard* b, Agent* agent) {
 }  // namespace
 
 sxTraverser::TRAV_STATE sxBillboard::apply(sxTraverser* t, bool skipPreApply) {
-  if (!t) return sxTraverser::TRAV_CONTINUE;
-  if (!skipPreApply) {
-    const sxTraverser::TRAV_STATE s = t->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
+  sxTraverser::TRAV_STATE entry;
+  if (!entersTraversal(t, skipPreApply, entry)) return entry;
   sxTravContext* ctx = t->getTravContext();
   if (!ctx) return sxGroup::apply(t, true);
   pushPlacement(this, ctx);

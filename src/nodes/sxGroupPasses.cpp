@@ -49,11 +49,8 @@ void passToChildren(const sxGroup* g, Agent* agent) {
 
 // A path deeper than the context can hold (32766 groups) is not entered.
 sxTraverser::TRAV_STATE sxGroup::apply(sxTraverser* t, bool skipPreApply) {
-  if (!t) return sxTraverser::TRAV_CONTINUE;
-  if (!skipPreApply) {
-    State s = t->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
+  sxTraverser::TRAV_STATE entry;
+  if (!entersTraversal(t, skipPreApply, entry)) return entry;
   sxTravContext* ctx = t->getTravContext();
   if (!ctx) return sxTraverser::TRAV_CONTINUE;
   count(ctx, this);

@@ -149,11 +149,8 @@ bool sxRangeSwitch::pick(sxTravContext* ctx, short& first, short& second, float&
 }
 
 sxTraverser::TRAV_STATE sxRangeSwitch::apply(sxTraverser* t, bool skipPreApply) {
-  if (!t) return sxTraverser::TRAV_CONTINUE;
-  if (!skipPreApply) {
-    const sxTraverser::TRAV_STATE s = t->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
+  sxTraverser::TRAV_STATE entry;
+  if (!entersTraversal(t, skipPreApply, entry)) return entry;
   sxTravContext* ctx = t->getTravContext();
   if (!ctx) return sxTraverser::TRAV_CONTINUE;
   short first = -1, second = -1;

@@ -42,11 +42,8 @@ void wrapped(const sxTransform* t, Agent* agent) {
 }  // namespace
 
 sxTraverser::TRAV_STATE sxTransform::apply(sxTraverser* t, bool skipPreApply) {
-  if (!t) return sxTraverser::TRAV_CONTINUE;
-  if (!skipPreApply) {
-    const sxTraverser::TRAV_STATE s = t->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
+  sxTraverser::TRAV_STATE entry;
+  if (!entersTraversal(t, skipPreApply, entry)) return entry;
   sxTravContext* ctx = t->getTravContext();
   if (!ctx || isIdentity()) return sxGroup::apply(t, true);
   ctx->pushPreMultMatrix(matrix);

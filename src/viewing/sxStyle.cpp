@@ -116,11 +116,8 @@ bool sxStyle::withTraits(sxTravContext* ctx, Pass&& pass) const {
 }
 
 sxTraverser::TRAV_STATE sxStyle::apply(sxTraverser* traverser, bool skipPreApply) {
-  if (!traverser) return sxTraverser::TRAV_CONTINUE;
-  if (!skipPreApply) {
-    sxTraverser::TRAV_STATE s = traverser->preApply(this);
-    if (s != sxTraverser::TRAV_CONTINUE) return s;
-  }
+  sxTraverser::TRAV_STATE entry;
+  if (!entersTraversal(traverser, skipPreApply, entry)) return entry;
   const bool popped = withTraits(traverser->getTravContext(), [&] {
     return sxGroup::apply(traverser, true) != sxTraverser::TRAV_STOP;
   });

@@ -227,6 +227,16 @@ class SX_API sxGroup : public sxBase {
     return node;
   }
 
+  /// The start of every traverser pass of a node kind: false, with the
+  /// state to hand back in result, when there is no traverser or its
+  /// preApply (unless skipped) turns this node away.
+  bool entersTraversal(sxTraverser* traverser, bool skipPreApply, sxTraverser::TRAV_STATE& result) {
+    result = sxTraverser::TRAV_CONTINUE;
+    if (!traverser) return false;
+    if (!skipPreApply) result = traverser->preApply(this);
+    return result == sxTraverser::TRAV_CONTINUE;
+  }
+
   /// The group mapping of the copy in progress (under the group lock).
   static void addGroupMapping(const sxGroup* from, sxGroup* to);
   /// Lets action nodes at and below node point at the copies.
