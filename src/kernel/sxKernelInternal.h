@@ -45,6 +45,23 @@ sxThread* exchangeAppThread(sxThread* thread);
 bool findFile(const char* name,
               std::basic_string<char, std::char_traits<char>, sxAllocator<char>>& found);
 
+using String = std::basic_string<char, std::char_traits<char>, sxAllocator<char>>;
+
+// The directories searched for modules, in order: the executable's, the
+// current one, the plug-in directory, $SXCORE_PLUGIN_DIR, then each entry
+// of $PATH. Empty and over-long names are left out. Calls visit(dir, user)
+// for each; stops when it returns false.
+void forEachModuleDirectory(bool (*visit)(const char* dir, void* user), void* user);
+// The full path of the module file `name` (no directory; matched ignoring
+// case, in the platform's naming) in the first directory that holds it.
+bool findModuleFile(const char* name, String& path);
+
+// Plug-in diagnostics (every directory tried, file found or not, the
+// system's reason for a failure): on while SXCORE_DEBUG_PLUGINS is set and
+// not "0", or while a trace function is installed (sxSetPlugInTrace).
+bool plugInTraceOn();
+[[gnu::format(printf, 1, 2)]] void plugInTrace(const char* format, ...);
+
 // Set-up and clean-up of the module-wide lists owned by the services.
 void initFilePaths();
 void cleanUpFilePaths();

@@ -107,8 +107,27 @@ bool sxPlugIn::unload() {
   sxiKernel::LockGuard lock(sxiKernel::plugInLock);
   if (!dynamic || refCount > 0 || !loadedHere) return false;
   // Releasing the module runs its static destructors, which destroy this
-  // record: nothing of it may be touched afterwards.
-  return sxPlatform::moduleFree(module);
+  // record: nothing of it may be touched afterwards, unless the system
+  // kept the module (another holder, or a module that cannot be unloaded),
+  // and then it is not unloaded again.
+  sxPlugIn* self = this;
+  if (!sxPlatform::moduleFree(module)) return false;
+  for (sxPlugIn* p : *plugIns)
+    if (p == self) {
+      sxiKernel::plugInTrace("%s stays loaded", self->moduleName ? self->moduleName : "a module");
+      self->loadedHere = false;
+      break;
+    }
+  return true;
+}
+
+void sxPlugIn::unloadAll() {
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  // An unload changes the list: every success starts the walk again.
+  for (bool unloaded = true; unloaded;) {
+    unloaded = false;
+    for (int i = 0; i < plugIns->getNum() && !unloaded; ++i) unloaded = (*plugIns)[i]->unload();
+  }
 }
 
 unsigned sxPlugIn::getVersion() const {
@@ -126,7 +145,7 @@ sxPlugIn* sxPlugIn::find(const char* wanted) {
   if (!wanted) return nullptr;
   sxiKernel::LockGuard lock(sxiKernel::plugInLock);
   for (sxPlugIn* p : *plugIns)
-    if (p->moduleName && sxiKernel::compareIgnoreCase(p->moduleName, wanted) == 0) return p;
+    if (p->moduleName && sxPlatform::moduleNamesMatch(p->moduleName, wanted)) return p;
   return nullptr;
 }
 
@@ -156,16 +175,45 @@ sxPlugIn* sxPlugIn::load(const char* fileName) {
   if (!record) {
     sxMessage("Attempting to load plug-in: %s \n", moduleName);
     // A module that is present but made no record is not adopted.
-    if (!sxPlatform::moduleFind(moduleName)) {
-      if (!sxPlatform::moduleLoad(moduleName)) {
-        sxMessage("Error loading plug-in: %s \n", moduleName);
-      } else if ((record = find(moduleName)) != nullptr) {
-        record->dynamic = true;
-        record->loadedHere = true;
-      }
+    if (sxPlatform::moduleFind(moduleName)) {
+      sxiKernel::plugInTrace("%s is in the process already but made no plug-in record", moduleName);
+    } else {
+      record = loadModule(fileName, moduleName);
     }
   }
   sxMemory::free(moduleName);
+  return record;
+}
+
+sxPlugIn* sxPlugIn::loadModule(const char* fileName, const char* moduleName) {
+  // A name with a directory is that file; a bare one is looked for in the
+  // module directories, ignoring case, then by the system's own search.
+  sxiKernel::String path;
+  const bool hasDirectory = std::strpbrk(fileName, "/\\") != nullptr;
+  if (hasDirectory)
+    path = fileName;
+  else if (!sxiKernel::findModuleFile(moduleName, path))
+    path = fileName;
+  char reason[512] = "";
+  void* handle = sxPlatform::moduleLoad(path.c_str(), reason, sizeof reason);
+  if (!handle) {
+    sxiKernel::plugInTrace("cannot load %s: %s", path.c_str(), reason);
+    sxMessage("Error loading plug-in: %s \n", moduleName);
+    return nullptr;
+  }
+  sxPlugIn* record = find(moduleName);
+  if (!record) record = find(handle);
+  if (!record) {
+    // A shared library of the right name that is no module (or whose
+    // initialisers made no record) goes again.
+    sxiKernel::plugInTrace("%s made no plug-in record: not a module, skipped", path.c_str());
+    sxPlatform::moduleFree(handle);
+    return nullptr;
+  }
+  sxiKernel::plugInTrace("loaded %s", path.c_str());
+  if (!record->module) record->module = handle;
+  record->dynamic = true;
+  record->loadedHere = true;
   return record;
 }
 

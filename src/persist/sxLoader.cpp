@@ -12,8 +12,10 @@
 #include <string>
 
 #include "kernel/sxKernelInternal.h"
+#include "kernel/sxKernelLocks.h"
 #include "object/sxModuleStatic.h"
 #include "persist/sxFileState.h"
+#include "persist/sxLoaderModules.h"
 #include "platform/sxPlatform.h"
 
 // A native file type: objects of `type` and its subclasses are saved under
@@ -25,7 +27,7 @@ struct sxiFileType {
 
 namespace {
 
-using String = std::basic_string<char, std::char_traits<char>, sxAllocator<char>>;
+using String = sxiKernel::String;
 
 // Shared by every thread: the native file types and the save directory.
 constinit sxiModuleStatic<sxTList<sxiFileType*>> fileTypes;
@@ -77,7 +79,40 @@ void resetError() {
   lastError.message[0] = 0;
 }
 
+// Writes `path` through write(temporary), which gives an error code: a
+// temporary file beside `path` replaces it only when complete, so a failed
+// export leaves an existing file as it was. A failure keeps a message the
+// writer left, or reports one.
+template <class Write>
+bool writeReplacing(const char* path, Write write) {
+  char temporary[4096];
+  if (!sxPlatform::fileMakeTemporary(path, temporary, sizeof temporary)) {
+    report(sxLoader::ERROR_NOT_FOUND, "%s: cannot create a file in its directory", path);
+    return false;
+  }
+  sxLoader::LOADER_ERROR failure = write(temporary);
+  if (failure == sxLoader::ERROR_NONE && !sxPlatform::fileRename(temporary, path))
+    failure = sxLoader::ERROR_NOT_FOUND;
+  if (failure == sxLoader::ERROR_NONE) return true;
+  sxPlatform::fileRemove(temporary);
+  if (lastError.message[0])
+    lastError.code = failure;
+  else
+    report(failure, "%s: the file could not be written", path);
+  return false;
+}
+
 }  // namespace
+
+bool sxLoader::fail(LOADER_ERROR code, const char* format, ...) {
+  lastError.code = code;
+  lastError.hasMessage = true;
+  std::va_list args;
+  va_start(args, format);
+  std::vsnprintf(lastError.message, sizeof lastError.message, format ? format : "", args);
+  va_end(args);
+  return false;
+}
 
 void sxLoader::setError(LOADER_ERROR code) {
   lastError.code = code;
@@ -104,11 +139,23 @@ bool sxLoader::exportScene(const sxBase*, const char*) {
   return false;
 }
 
-// Loader modules register their extensions when they are discovered;
-// until one has, every file is the library's own format.
-sxLoader* sxLoader::findLoader(const char*) {
-  return nullptr;
+namespace {
+
+// The loader of the module that claims ext, loaded and held (its module
+// cannot be unloaded until release): null when no module claims ext, or
+// when it cannot be loaded (then `claimed` tells).
+sxLoader* acquireLoader(const char* ext, bool& claimed) {
+  String moduleName;
+  claimed = sxiLoaders::moduleFor(ext, moduleName);
+  if (!claimed) return nullptr;
+  sxiKernel::LockGuard lock(sxiKernel::plugInLock);
+  sxPlugIn::load(moduleName.c_str());
+  sxLoader* loader = sxiLoaders::liveLoaderOf(moduleName.c_str());
+  if (loader) loader->ref();
+  return loader;
 }
+
+}  // namespace
 
 bool sxLoader::addSolmaxFileType(sxType* type, const char* ext) {
   if (!type || !ext) return false;
@@ -162,7 +209,20 @@ sxBase* sxLoader::importFile(const char* name) {
     report(ERROR_NO_EXTENSION, "%s: the name has no extension", path.c_str());
     return nullptr;
   }
-  if (sxLoader* loader = findLoader(ext)) return loader->import(path.c_str());
+  bool claimed = false;
+  if (sxLoader* loader = acquireLoader(ext, claimed)) {
+    sxBase* root = loader->import(path.c_str());
+    loader->unRef();
+    // A module that failed without saying why still leaves a reason.
+    if (!root && (getError() == ERROR_NONE || !lastError.message[0]))
+      report(getError() != ERROR_NONE ? getError() : ERROR_OPEN,
+             "%s: the .%s loader could not read the file", path.c_str(), ext);
+    return root;
+  }
+  if (claimed) {
+    report(ERROR_OPEN, "%s: the loader module for .%s files cannot be loaded", path.c_str(), ext);
+    return nullptr;
+  }
 
   sxFile file;
   if (!sxFile::isSolmaxFormat(path.c_str())) {
@@ -228,8 +288,22 @@ bool sxLoader::exportFile(const sxBase* root, const char* name) {
   }
   path += name;
   const char* ext = extensionOf(path.c_str());
-  if (ext)
-    if (sxLoader* loader = findLoader(ext)) return loader->exportScene(root, path.c_str());
+  bool claimed = false;
+  if (sxLoader* loader = ext ? acquireLoader(ext, claimed) : nullptr) {
+    // The module writes a file beside the target, which replaces the
+    // target only when the module reports success.
+    bool written = writeReplacing(path.c_str(), [&](const char* temporary) {
+      if (loader->exportScene(root, temporary)) return ERROR_NONE;
+      return getError() != ERROR_NONE ? getError() : ERROR_WRITE;
+    });
+    loader->unRef();
+    return written;
+  }
+  if (claimed) {
+    report(ERROR_NOT_SUPPORTED, "%s: the loader module for .%s files cannot be loaded",
+           path.c_str(), ext);
+    return false;
+  }
   if (!root) {
     report(ERROR_WRITE, "%s: no object to export", path.c_str());
     return false;
@@ -249,33 +323,21 @@ bool sxLoader::exportFile(const sxBase* root, const char* name) {
     if (!hadExtension) path += match->extension;
   }
 
-  char temporary[4096];
-  if (!sxPlatform::fileMakeTemporary(path.c_str(), temporary, sizeof temporary)) {
-    report(ERROR_NOT_FOUND, "%s: cannot create a file in its directory", path.c_str());
-    return false;
-  }
-  sxFile file;
-  LOADER_ERROR failure = ERROR_NONE;
-  if (!file.create(temporary))
-    failure = ERROR_NOT_FOUND;
-  else if (!root->write(&file, nullptr))
-    failure = ERROR_WRITE;
-  if (failure == ERROR_NONE) {
-    sxPlugIn::savePlugIns(&file);
-    if (!file.write()) failure = ERROR_WRITE;
-  }
-  file.close();
-  if (failure == ERROR_NONE && !sxPlatform::fileRename(temporary, path.c_str()))
-    failure = ERROR_NOT_FOUND;
-  if (failure != ERROR_NONE) {
-    sxPlatform::fileRemove(temporary);
-    report(failure, "%s: the file could not be written", path.c_str());
-    return false;
-  }
-  return true;
+  return writeReplacing(path.c_str(), [root](const char* temporary) {
+    sxFile file;
+    LOADER_ERROR failure = ERROR_NONE;
+    if (!file.create(temporary))
+      failure = ERROR_NOT_FOUND;
+    else if (!root->write(&file, nullptr))
+      failure = ERROR_WRITE;
+    if (failure == ERROR_NONE) {
+      sxPlugIn::savePlugIns(&file);
+      if (!file.write()) failure = ERROR_WRITE;
+    }
+    file.close();
+    return failure;
+  });
 }
-
-void sxLoader::initLoaders() {}
 
 void sxLoader::cleanUpClass() {
   std::lock_guard<std::mutex> hold(sharedLock);
@@ -284,6 +346,7 @@ void sxLoader::cleanUpClass() {
     sxDelete(t);
   }
   fileTypes->setSize(0);
+  sxiLoaders::cleanUp();
   sxMemory::free(saveDir);
   saveDir = nullptr;
 }

@@ -164,8 +164,27 @@ using ModuleHandle = void*;
 // A module already loaded in the process whose file name matches `name`
 // ignoring case (".dll" names also match "lib<name>.so" and "<name>.so").
 ModuleHandle moduleFind(const char* name);
-ModuleHandle moduleLoad(const char* name);
+// Loads the module file at `path` (a name without a directory goes to the
+// system's own search). On failure the system's reason is copied to
+// `reason` (when given).
+ModuleHandle moduleLoad(const char* path, char* reason = nullptr, std::size_t reasonSize = 0);
 bool moduleFree(ModuleHandle module);
+// The file of the loaded module that `address` lies in; false when unknown.
+bool moduleFileOf(const void* address, char* out, std::size_t size);
+// Calls visit(name, user) with the name of every entry of a directory that
+// is a file or a link to one; false when the directory cannot be read.
+bool listDirectory(const char* dir, void (*visit)(const char* name, void* user), void* user);
+// Whether a module file name (no directory) is the module `wanted`,
+// ignoring case: "sxFoo.dll" is also "libsxFoo.so", "sxFoo.so" and
+// "libsxFoo.so.1.2" here.
+bool moduleFileMatches(const char* file, const char* wanted);
+// Whether two module names (no directories) name the same module:
+// "SXFOO.DLL" and "LIBSXFOO.SO" do here.
+bool moduleNamesMatch(const char* a, const char* b);
+// Whether a file name has the pattern of a loader module: "sx*Loader.dll",
+// which is "libsx*Loader.so" or "sx*Loader.so" here (ignoring case).
+bool isLoaderModuleFile(const char* file);
+
 // Full path of the running executable; false when unknown.
 bool executablePath(char* out, std::size_t size);
 // Current working directory.

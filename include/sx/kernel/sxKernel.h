@@ -115,6 +115,14 @@ SX_API const char* sxGetFileName(const char* path);
 /// exist.
 SX_API const char* sxGetPlugInDirectory();
 
+/// Receives one line of plug-in diagnostics (without the line end).
+using sxPlugInTraceFunc = void (*)(const char* line, void* user);
+/// Plug-in diagnostics: every directory searched for modules, each file
+/// found or not, and the system's reason when a module does not load. With
+/// SXCORE_DEBUG_PLUGINS=1 in the environment they go to standard error; an
+/// installed function receives them instead (null restores the default).
+SX_API void sxSetPlugInTrace(sxPlugInTraceFunc trace, void* user);
+
 // --- clock: seconds since the library was loaded
 SX_API double sxGetTime();
 

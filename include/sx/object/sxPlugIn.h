@@ -49,7 +49,8 @@ class SX_API sxPlugIn {
   int getNumTypes() const { return types.getNum(); }
   sxType* getType(int i) const { return types.indexInRange(i) ? types[i] : nullptr; }
 
-  // The record whose module name equals moduleName ignoring case.
+  // The record whose module name equals moduleName ignoring case (and the
+  // platform's naming: "SXFOO.DLL" is also "LIBSXFOO.SO").
   static sxPlugIn* find(const char* moduleName);
   static sxPlugIn* find(void* module);
   static int getNum();
@@ -59,6 +60,8 @@ class SX_API sxPlugIn {
   // record, or that cannot be loaded, gives null. Reports the attempt and a
   // failure on the message channel.
   static sxPlugIn* load(const char* fileName);
+  // Unloads every module that can be unloaded (see unload).
+  static void unloadAll();
   static void enableDynamicPlugIns(bool enable);
   static bool isDynamicPlugInsEnabled();
   // The module name of a path: the file name after the last '\' or '/',
@@ -85,6 +88,8 @@ class SX_API sxPlugIn {
   // Reads one record; returns its module name (a new heap string), or null
   // for a damaged record.
   static char* readPlugIn(sxEntry* entry);
+  // The loading step of load: the module file, its record or null.
+  static sxPlugIn* loadModule(const char* fileName, const char* moduleName);
   friend class sxType;
   void addType(sxType* type);
   void removeType(sxType* type);

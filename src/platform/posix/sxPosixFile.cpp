@@ -65,14 +65,33 @@ std::int64_t sxPlatform::fileSize(int fd) {
 }
 
 bool sxPlatform::fileMakeTemporary(const char* path, char* out, std::size_t size) {
-  static const char suffix[] = ".XXXXXX";
+  static const char unique[] = ".XXXXXX";
   if (!path || !out) return false;
+  // The unique part goes before the extension, so that whoever writes the
+  // file still sees its format in the name.
+  const char* base = strrchr(path, '/');
+  base = base ? base + 1 : path;
+  const char* dot = strrchr(base, '.');
   std::size_t n = strlen(path);
-  if (n + sizeof suffix > size) return false;
-  memcpy(out, path, n);
-  memcpy(out + n, suffix, sizeof suffix);
-  int fd = mkostemp(out, O_CLOEXEC);
+  std::size_t keep = dot && dot != base ? std::size_t(dot - path) : n;
+  if (n + sizeof unique > size) return false;
+  memcpy(out, path, keep);
+  memcpy(out + keep, unique, sizeof unique - 1);
+  memcpy(out + keep + sizeof unique - 1, path + keep, n - keep + 1);
+  int fd = mkostemps(out, int(n - keep), O_CLOEXEC);
   if (fd < 0) return false;
+  // The finished file replaces `path`: it gets the mode that file has, or
+  // that of a new file.
+  struct stat old;
+  mode_t mode;
+  if (stat(path, &old) == 0) {
+    mode = old.st_mode & 07777;
+  } else {
+    mode_t mask = umask(022);
+    umask(mask);
+    mode = 0666 & ~mask;
+  }
+  fchmod(fd, mode);
   close(fd);
   return true;
 }

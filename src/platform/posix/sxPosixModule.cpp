@@ -1,6 +1,8 @@
+#include <dirent.h>
 #include <dlfcn.h>
 #include <limits.h>
 #include <link.h>
+#include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
 #include <strings.h>
@@ -11,6 +13,21 @@
 #include "platform/sxPlatform.h"
 
 namespace {
+
+// The module a file name stands for, upper-cased and without the "lib"
+// prefix and the ".dll" or ".so[.version]" ending; empty when the name has
+// no such ending.
+std::string moduleStem(const char* name) {
+  std::string s;
+  for (const char* p = name; *p; ++p) s += char(toupper(static_cast<unsigned char>(*p)));
+  size_t n = s.size();
+  if (n > 4 && s.compare(n - 4, 4, ".DLL") == 0) return s.substr(0, n - 4);
+  size_t so = s.find(".SO");
+  if (so == std::string::npos || so == 0) return {};
+  if (so + 3 != n && s[so + 3] != '.') return {};
+  s.resize(so);
+  return s.compare(0, 3, "LIB") == 0 && s.size() > 3 ? s.substr(3) : s;
+}
 
 // "sxFoo.dll" also names "libsxFoo.so" and "sxFoo.so" on this platform.
 bool nameMatches(const char* file, const char* wanted) {
@@ -51,6 +68,24 @@ int visit(dl_phdr_info* info, size_t, void* data) {
 
 }  // namespace
 
+bool sxPlatform::moduleFileMatches(const char* file, const char* wanted) {
+  return file && wanted && nameMatches(file, wanted);
+}
+
+bool sxPlatform::moduleNamesMatch(const char* a, const char* b) {
+  if (!a || !b) return false;
+  if (strcasecmp(a, b) == 0) return true;
+  std::string x = moduleStem(a);
+  return !x.empty() && x == moduleStem(b);
+}
+
+bool sxPlatform::isLoaderModuleFile(const char* file) {
+  if (!file) return false;
+  if (strncasecmp(file, "lib", 3) == 0) file += 3;
+  size_t n = strlen(file);
+  return n >= 11 && strncasecmp(file, "sx", 2) == 0 && strcasecmp(file + n - 9, "Loader.so") == 0;
+}
+
 sxPlatform::ModuleHandle sxPlatform::moduleFind(const char* name) {
   if (!name || !*name) return nullptr;
   FindState st{name, {}};
@@ -63,9 +98,33 @@ sxPlatform::ModuleHandle sxPlatform::moduleFind(const char* name) {
   return h;
 }
 
-sxPlatform::ModuleHandle sxPlatform::moduleLoad(const char* name) {
-  if (!name || !*name) return nullptr;
-  return dlopen(name, RTLD_NOW | RTLD_LOCAL);
+sxPlatform::ModuleHandle sxPlatform::moduleLoad(const char* path, char* reason, size_t reasonSize) {
+  if (!path || !*path) return nullptr;
+  void* h = dlopen(path, RTLD_NOW | RTLD_LOCAL);
+  if (!h && reason && reasonSize) {
+    const char* why = dlerror();
+    snprintf(reason, reasonSize, "%s", why ? why : "unknown reason");
+  }
+  return h;
+}
+
+bool sxPlatform::moduleFileOf(const void* address, char* out, size_t size) {
+  Dl_info info;
+  if (!out || !size || !dladdr(address, &info) || !info.dli_fname || !*info.dli_fname) return false;
+  if (strlen(info.dli_fname) >= size) return false;
+  strcpy(out, info.dli_fname);
+  return true;
+}
+
+bool sxPlatform::listDirectory(const char* dir, void (*visit)(const char*, void*), void* user) {
+  DIR* d = dir && *dir ? opendir(dir) : nullptr;
+  if (!d) return false;
+  while (dirent* e = readdir(d)) {
+    if (e->d_type != DT_REG && e->d_type != DT_LNK && e->d_type != DT_UNKNOWN) continue;
+    visit(e->d_name, user);
+  }
+  closedir(d);
+  return true;
 }
 
 bool sxPlatform::moduleFree(ModuleHandle module) {

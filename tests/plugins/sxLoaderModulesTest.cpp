@@ -1,0 +1,93 @@
+#include <gtest/gtest.h>
+#include <sx/sxCore.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+namespace {
+
+int findLoader(const char* moduleName) {
+  for (int i = 0; i < sxLoader::getNumLoaders(); ++i)
+    if (std::string(sxLoader::getLoaderName(i)) == moduleName) return i;
+  return -1;
+}
+
+std::string readFile(const std::filesystem::path& p) {
+  std::ifstream in(p);
+  return std::string(std::istreambuf_iterator<char>(in), {});
+}
+
+}  // namespace
+
+// Discovery registers the probe module's extensions once (a repeated one,
+// in another case, is not added twice) and leaves the module unloaded; the
+// rescan reports every directory, the library file that is no module and
+// the one that makes no record, with the system's reason, and changes
+// nothing.
+TEST(sxLoaderModules, DiscoveryRegistersExtensionsAndSkipsWhatIsNoModule) {
+  int def = findLoader("SXPROBELOADER.DLL");
+  ASSERT_GE(def, 0);
+  ASSERT_EQ(sxLoader::getNumLoaderExtensions(def), 2);
+  EXPECT_STREQ(sxLoader::getLoaderExtension(def, 1), "PRB");
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr) << "unloaded after the scan";
+
+  std::string trace;
+  sxSetPlugInTrace([](const char* line,
+                      void* user) { *static_cast<std::string*>(user) += std::string(line) + "\n"; },
+                   &trace);
+  const int loaders = sxLoader::getNumLoaders();
+  sxLoader::initLoaders();
+  sxSetPlugInTrace(nullptr, nullptr);
+  EXPECT_EQ(sxLoader::getNumLoaders(), loaders);
+  EXPECT_EQ(sxLoader::getNumLoaderExtensions(def), 2);
+  const std::string dir = SXCORE_TEST_MODULE_DIR;
+  EXPECT_NE(trace.find("searched " + dir + " for loader modules\n"), std::string::npos) << trace;
+  EXPECT_NE(trace.find("searched " + std::string(sxGetPlugInDirectory())), std::string::npos)
+      << trace;
+  EXPECT_NE(trace.find("cannot load " + dir + "/libsxBrokenLoader.so: "), std::string::npos)
+      << trace;
+  EXPECT_NE(trace.find(dir + "/libsxNoRecordLoader.so made no plug-in record"), std::string::npos)
+      << trace;
+  EXPECT_EQ(sxPlugIn::find("sxNoRecordLoader.dll"), nullptr);
+}
+
+// Import and export go to the module by extension, ignoring case; the
+// module is loaded for them and stays while objects of its classes live,
+// and a failed export leaves the existing file as it was.
+TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
+  auto dir =
+      std::filesystem::temp_directory_path() / ("sxLoaderModules." + std::to_string(getpid()));
+  std::filesystem::create_directories(dir);
+  sxRef<sxGroup> root = new sxGroup;
+  root->setName("probe root");
+  const std::string file = (dir / "scene.PROBE").string();
+  ASSERT_TRUE(sxLoader::exportFile(root.get(), file.c_str())) << sxLoader::getErrorMessage();
+  EXPECT_EQ(readFile(file), "probe root\n");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1) << "no temporary left";
+
+  sxPlugIn* record = nullptr;
+  {
+    sxRef<sxBase> back = sxLoader::importFile(file.c_str());
+    ASSERT_TRUE(back) << sxLoader::getErrorMessage();
+    EXPECT_STREQ(back->getType()->getName(), "sxProbeNode");
+    EXPECT_STREQ(back->getName(), "probe root");
+    record = sxPlugIn::find("libsxprobeloader.so");
+    ASSERT_NE(record, nullptr);
+    EXPECT_EQ(back->getType()->getPlugIn(), record);
+    EXPECT_EQ(record->getRefCount(), 1);
+    EXPECT_EQ(record->getVersion(), sxMakeVersion(3, 1, 4));
+    EXPECT_FALSE(record->unload());
+    sxPlugIn::unloadAll();
+    EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), record);
+
+    // The module refuses a null root: the file stays.
+    EXPECT_FALSE(sxLoader::exportFile(nullptr, file.c_str()));
+    EXPECT_EQ(readFile(file), "probe root\n");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1);
+  }
+  sxPlugIn::unloadAll();
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+  std::filesystem::remove_all(dir);
+}
