@@ -224,15 +224,20 @@ sxBase* sxLoader::importFile(const char* name) {
     return nullptr;
   }
 
-  sxFile file;
   if (!sxFile::isSolmaxFormat(path.c_str())) {
     report(ERROR_OPEN, "%s: no loader reads .%s files, and it is no scene file", path.c_str(), ext);
     return nullptr;
   }
+  sxFile file;
   if (!file.open(path.c_str(), "r")) {
     report(ERROR_OPEN, "%s: %s", path.c_str(), file.getErrorMessage());
     return nullptr;
   }
+  return readScene(file, path.c_str());
+}
+
+sxBase* sxLoader::readScene(sxFile& file, const char* path) {
+  if (!path) path = "(unnamed)";
   sxPlugIn::loadPlugIns(&file);
   sxEntry* first = file.getEntry(0);
   sxBase* root = first && !sxiFileAccess::isArrayTag(&file, first->getTag())
@@ -240,8 +245,9 @@ sxBase* sxLoader::importFile(const char* name) {
                      : nullptr;
   if (!root) {
     const char* tag = first ? file.getTagDesc(first->getTag()) : nullptr;
-    report(ERROR_OPEN, "%s: the root entry names no class that can be made (%s)", path.c_str(),
+    report(ERROR_OPEN, "%s: the root entry names no class that can be made (%s)", path,
            tag ? tag : "no tag");
+    file.close();
     return nullptr;
   }
   // The file holds the root like everything else it makes, and gives it
@@ -251,7 +257,7 @@ sxBase* sxLoader::importFile(const char* name) {
   first->setHandle(root);
   if (!root->read(&file, first) || sxiFileAccess::overBudget(&file)) {
     sxiFileAccess::failed(&file, held);
-    report(ERROR_OPEN, "%s: the root object could not be read: %s", path.c_str(),
+    report(ERROR_OPEN, "%s: the root object could not be read: %s", path,
            file.getErrorMessage()[0] ? file.getErrorMessage() : "its record is damaged");
     file.close();
     return nullptr;
