@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
-# Fuzzes the scene file reader with libFuzzer under AddressSanitizer and
-# UndefinedBehaviorSanitizer (leak checking on), starting from the seed
-# corpus in fuzz/corpus. Any crash, hang, leak or undefined behaviour fails
-# the step; the input is left in the artifact directory (printed).
-# SXCORE_FUZZ_SECONDS sets the time (default 60).
+# Fuzzes the scene file reader and the .sxt text reader with libFuzzer under
+# AddressSanitizer and UndefinedBehaviorSanitizer (leak checking on),
+# starting from the seed corpora fuzz/corpus and fuzz/corpus-text. Any
+# crash, hang, leak or undefined behaviour fails the step; the input is left
+# in the artifact directory (printed). SXCORE_FUZZ_SECONDS sets the total
+# time (default 60), shared by the targets.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$(pwd)
@@ -17,18 +18,25 @@ build=${SXCORE_FUZZ_BUILD:-$root/build-ci-fuzz}
 CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo \
   -DSXCORE_SANITIZE=address,undefined,fuzzer-no-link -DSXCORE_BUILD_FUZZ=ON \
   -DSXCORE_BUILD_TESTS=OFF -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF >/dev/null
-ninja -C "$build" -j "$(nproc)" sxFuzzSceneFile
+ninja -C "$build" -j "$(nproc)" sxFuzzSceneFile sxFuzzTextFormat
 
 work=$(mktemp -d)
-echo "fuzz corpus and artifacts: $work"
+echo "fuzz corpora and artifacts: $work"
+seconds=$(( (${SXCORE_FUZZ_SECONDS:-60} + 1) / 2 ))
 # The library reports damaged directories on standard output; only the
 # fuzzer's own report (standard error) matters here.
 # Memory limits catch a file that makes the reader large: inputs of at most
 # 16 KB may hold no more than the reader's budget floor (32 MB) of entry
 # data and what little it builds from them. The quarantine of freed blocks
 # is kept small so that the resident size measures the reader.
-ASAN_OPTIONS="quarantine_size_mb=16:${ASAN_OPTIONS:-}" \
-"$build/fuzz/sxFuzzSceneFile" -max_total_time="${SXCORE_FUZZ_SECONDS:-60}" -max_len=16384 \
-  -timeout=10 -rss_limit_mb=384 -malloc_limit_mb=128 -print_final_stats=1 \
-  -artifact_prefix="$work/" "$work" fuzz/corpus >/dev/null
+fuzz() {
+  local target=$1 seeds=$2
+  mkdir -p "$work/$target"
+  ASAN_OPTIONS="quarantine_size_mb=16:${ASAN_OPTIONS:-}" \
+  "$build/fuzz/$target" -max_total_time="$seconds" -max_len=16384 \
+    -timeout=10 -rss_limit_mb=384 -malloc_limit_mb=128 -print_final_stats=1 \
+    -artifact_prefix="$work/" "$work/$target" "$seeds" >/dev/null
+}
+fuzz sxFuzzSceneFile fuzz/corpus
+fuzz sxFuzzTextFormat fuzz/corpus-text
 echo "fuzzing found nothing"
