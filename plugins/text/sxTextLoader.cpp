@@ -3,7 +3,8 @@
 #include <sx/sxCore.h>
 
 #include <cstdio>
-#include <vector>
+#include <memory>
+#include <new>
 
 #include "sxTextFormat.h"
 
@@ -26,23 +27,25 @@ class sxTextLoader : public sxLoader {
 sxTextLoader theLoader;
 
 // The whole file, or false.
-bool readAll(const char* path, std::vector<char>& text) {
+bool readAll(const char* path, std::unique_ptr<char[]>& text, std::size_t& length) {
   std::FILE* f = std::fopen(path, "rb");
   if (!f) return false;
   bool ok = std::fseek(f, 0, SEEK_END) == 0;
   const long size = ok ? std::ftell(f) : -1;
   ok = size >= 0 && std::fseek(f, 0, SEEK_SET) == 0;
   if (ok) {
-    text.resize(std::size_t(size));
-    ok = std::fread(text.data(), 1, text.size(), f) == text.size();
+    length = std::size_t(size);
+    text.reset(new (std::nothrow) char[length ? length : 1]);
+    ok = text && std::fread(text.get(), 1, length, f) == length;
   }
   std::fclose(f);
   return ok;
 }
 
 sxBase* sxTextLoader::import(const char* path) {
-  std::vector<char> text;
-  if (!readAll(path, text)) {
+  std::unique_ptr<char[]> text;
+  std::size_t length = 0;
+  if (!readAll(path, text, length)) {
     fail(ERROR_NOT_FOUND, "%s: the file cannot be read", path);
     return nullptr;
   }
@@ -52,12 +55,12 @@ sxBase* sxTextLoader::import(const char* path) {
     return nullptr;
   }
   sxText::Error error;
-  if (!sxText::parse(text.data(), text.size(), file, error)) {
+  if (!sxText::parse(text.get(), length, file, error)) {
     file.close();
     fail(ERROR_OPEN, "%s:%d:%d: %s", path, error.line, error.column, error.what.c_str());
     return nullptr;
   }
-  std::vector<char>().swap(text);
+  text.reset();
   return readScene(file, path);
 }
 

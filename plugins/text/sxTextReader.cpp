@@ -1,10 +1,11 @@
-// Reading .sxt: the text is parsed straight into the entries of an
-// in-memory scene file, each value re-encoded by the entry's own writer, so
-// that the file holds the bytes the binary writer would have made. Nothing
-// is built until the whole text has been checked.
+// Reading .sxt: the text is parsed into the entries of an in-memory scene
+// file, each value encoded as the entry writers encode it, so that the file
+// holds the bytes the binary writer would have made. Nothing is built until
+// the whole text has been checked.
 
 #include <sx/sxCore.h>
 
+#include <array>
 #include <charconv>
 #include <climits>
 #include <cstdint>
@@ -23,11 +24,19 @@ namespace {
 // lookups cheap whatever a hostile text lists.
 constexpr int maxTags = 4096;
 
+// Character classes by table: the scanner looks at every byte of the text.
+enum : unsigned char { SPACE = 1, WORD_END = 2 };
+constexpr auto classes = [] {
+  std::array<unsigned char, 256> t{};
+  for (unsigned char c : {' ', '\n', '\t', '\r'}) t[c] = SPACE | WORD_END;
+  for (unsigned char c : {'[', ']', '"'}) t[c] = WORD_END;
+  return t;
+}();
 bool isSpace(char c) {
-  return c == ' ' || c == '\n' || c == '\t' || c == '\r';
+  return classes[static_cast<unsigned char>(c)] & SPACE;
 }
 bool endsWord(char c) {
-  return isSpace(c) || c == '[' || c == ']' || c == '"';
+  return classes[static_cast<unsigned char>(c)] & WORD_END;
 }
 int hexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -135,6 +144,14 @@ class Parser {
     const char* open = p;
     if (p >= end || *p != '"') return expected("a quoted string", word());
     bytes.clear();
+    // Most strings have no escapes: taken whole.
+    const char* q = p + 1;
+    while (q < end && *q != '"' && *q != '\\' && *q != '\n') ++q;
+    if (q < end && *q == '"') {
+      bytes.assign(p + 1, q);
+      p = q + 1;
+      return true;
+    }
     for (++p;; ++p) {
       if (p >= end || *p == '\n') return fail(open, "unterminated string");
       char c = *p;
@@ -241,20 +258,30 @@ class Parser {
 
   bool entry() {
     std::string_view w = word();
-    const std::string wanted = "@" + std::to_string(numEntries);
-    if (w != wanted) {
+    int number = -1;
+    auto r = std::from_chars(w.data() + 1, w.data() + w.size(), number);
+    if (r.ec != std::errc() || r.ptr != w.data() + w.size() || number != numEntries) {
       if (numEntries >= declared)
         return fail(w.data(), "more entries than the " + std::to_string(declared) + " announced");
-      return fail(w.data(), "expected entry " + wanted + ", found " + quote(w));
+      return fail(w.data(),
+                  "expected entry @" + std::to_string(numEntries) + ", found " + quote(w));
     }
     skip();
     const char* classAt = p;
-    if (!name(className)) return false;
-    int tag = findTag(className);
-    if (tag < 0) {
-      // A hand edit may name a class that the tag list does not have yet.
-      if (!addTag(className)) return fail(classAt, "too many classes");
-      tag = int(tagNames.size()) - 1;
+    int tag = lastTag;
+    // Entries of one class often follow each other: the name is compared
+    // before it is looked up.
+    w = word();
+    if (tag < 0 || w.empty() || w != tagNames[std::size_t(tag)]) {
+      p = classAt;
+      if (!name(className)) return false;
+      tag = findTag(className);
+      if (tag < 0) {
+        // A hand edit may name a class that the tag list does not have yet.
+        if (!addTag(className)) return fail(classAt, "too many classes");
+        tag = int(tagNames.size()) - 1;
+      }
+      lastTag = tag;
     }
     if (!tagUse[std::size_t(tag)]) tagUse[std::size_t(tag)] = classAt;
     unsigned v = 0;
@@ -263,23 +290,50 @@ class Parser {
     if (!e) return fail(classAt, "out of memory");
     e->setVersion(v);
     ++numEntries;
+    data.clear();
     while (skip(), p < end && *p != '@') {
       w = word();
-      if (w == "rle" && e->getDataSize() == 0) {
+      if (w == "rle" && data.empty()) {
         e->setCompression(sxEntry::RUN_LENGTH);
-      } else if (w == "compression" && e->getDataSize() == 0) {
+      } else if (w == "compression" && data.empty()) {
         int c = 0;
         if (!integer(INT_MIN, INT_MAX, c, "a compression")) return false;
         e->setCompression(sxEntry::COMPRESSION(c));
-      } else if (!value(w, e)) {
+      } else if (!value(w)) {
         return false;
+      } else if (data.size() > std::size_t(INT_MAX / 2)) {
+        return fail(w.data(), "the entry holds too much data");
       }
+    }
+    if (!data.empty()) {
+      e->setData(data.data(), int(data.size()));
+      if (e->getDataSize() != int(data.size())) return fail(classAt, "out of memory");
     }
     return true;
   }
 
+  // --- the encoding of the entry writers: numbers in the machine's byte
+  // order, ints, bools and floats at multiples of 4 from the start of the
+  // data, doubles at multiples of 8, everything else where it falls; the
+  // padding is zeros.
+
+  void put(const void* v, std::size_t size, std::size_t align) {
+    const std::size_t at = (data.size() + align - 1) & ~(align - 1);
+    data.resize(at + size);
+    std::memcpy(data.data() + at, v, size);
+  }
+  template <class T>
+  void put(T v) {
+    put(&v, sizeof v, sizeof v < 4 ? 1 : sizeof v);
+  }
+  void putBytes(const std::string& b) { put(b.data(), b.size(), 1); }
+
   bool version(unsigned& out) {
     std::string_view w = word();
+    if (!w.empty() && w == lastVersionText) {
+      out = lastVersion;
+      return true;
+    }
     unsigned part[3] = {};
     const unsigned limit[3] = {255, 255, 65535};
     const char* q = w.data();
@@ -291,29 +345,30 @@ class Parser {
         return expected("a version (major.minor.build)", w);
       q = r.ptr + 1;
     }
-    out = sxMakeVersion(part[0], part[1], part[2]);
+    out = lastVersion = sxMakeVersion(part[0], part[1], part[2]);
+    lastVersionText = w;
     return true;
   }
 
-  bool value(std::string_view k, sxEntry* e) {
+  bool value(std::string_view k) {
     if (k == "name" || k == "text") {
       skip();
       if (p < end && *p != '"') {
         std::string_view w = word();
         if (w != "null") return expected("a quoted string or null", w);
-        e->writeInt(0);
+        put(0);
         return true;
       }
       if (!string()) return false;
       bytes.push_back('\0');
-      e->writeInt(int(bytes.size()));
-      e->writeChunk(bytes.data(), int(bytes.size()));
+      put(int(bytes.size()));
+      putBytes(bytes);
       return true;
     }
     if (k == "flags" || k == "short") {
       short v = 0;
       if (!integer(SHRT_MIN, USHRT_MAX, v, "a short")) return false;
-      e->writeShort(v);
+      put(v);
       return true;
     }
     if (k == "attributes" || k == "refs") {
@@ -325,26 +380,26 @@ class Parser {
             return true;
           }))
         return false;
-      e->writeInt(int(ints.size()));
-      for (int r : ints) e->writeRef(r);
+      put(int(ints.size()));
+      put(ints.data(), ints.size() * 4, 4);
       return true;
     }
     if (k == "int") {
       int v = 0;
       if (!integer(INT_MIN, UINT_MAX, v, "an int")) return false;
-      e->writeInt(v);
+      put(v);
       return true;
     }
     if (k == "ref") {
       int r = 0;
       if (!reference(word(), r)) return false;
-      e->writeRef(r);
+      put(r);
       return true;
     }
     if (k == "float") {
       float v = 0;
       if (!real<float, std::uint32_t>(word(), v)) return false;
-      e->writeFloat(v);
+      put(v);
       return true;
     }
     if (k == "floats") {
@@ -356,7 +411,7 @@ class Parser {
             return true;
           }))
         return false;
-      e->writeFloats(floats.data(), int(floats.size()));
+      put(floats.data(), floats.size() * 4, 4);
       return true;
     }
     if (k == "ints") {
@@ -368,31 +423,31 @@ class Parser {
             return true;
           }))
         return false;
-      e->writeInts(ints.data(), int(ints.size()));
+      put(ints.data(), ints.size() * 4, 4);
       return true;
     }
     if (k == "double") {
       double v = 0;
       if (!real<double, std::uint64_t>(word(), v)) return false;
-      e->writeDouble(v);
+      put(v);
       return true;
     }
     if (k == "byte") {
       unsigned char v = 0;
       if (!integer(SCHAR_MIN, UCHAR_MAX, v, "a byte")) return false;
-      e->writeByte(v);
+      put(v);
       return true;
     }
     if (k == "bool") {
       std::string_view w = word();
       if (w != "true" && w != "false") return expected("true or false", w);
-      e->writeBool(w == "true");
+      put(w == "true" ? 1 : 0);
       return true;
     }
     if (k == "string") {
       if (!string()) return false;
       bytes.push_back('\0');
-      e->writeChunk(bytes.data(), int(bytes.size()));
+      putBytes(bytes);
       return true;
     }
     if (k == "chunk") {
@@ -404,7 +459,7 @@ class Parser {
         bytes.push_back(char(hi * 16 + lo));
       }
       if (w.empty() || bytes.size() * 2 != w.size()) return expected("hex bytes", w);
-      e->writeChunk(bytes.data(), int(bytes.size()));
+      putBytes(bytes);
       return true;
     }
     return expected(
@@ -456,9 +511,13 @@ class Parser {
   std::unordered_map<std::string_view, int> tagIndex;
   std::vector<const char*> tagUse;  // where each class is first named by an entry
   std::string className;
+  int lastTag = -1;
+  unsigned lastVersion = 0;
+  std::string_view lastVersionText;
   std::string bytes;
   std::vector<int> ints;
   std::vector<float> floats;
+  std::vector<unsigned char> data;  // the entry being read
 };
 
 }  // namespace

@@ -9,6 +9,8 @@
 #include <cstdint>
 #include <cstring>
 #include <limits>
+#include <memory>
+#include <string_view>
 #include <vector>
 
 #include "sxTextFormat.h"
@@ -56,28 +58,34 @@ class Recorder : public sxEntryObserver {
   std::vector<std::uint32_t> head, tail;
 };
 
-// Buffered text output that remembers a failure.
+// Buffered text output that remembers a failure. Every put makes room
+// for what it writes (short texts; runs and strings go value by value).
 class Out {
  public:
-  explicit Out(std::FILE* f) : file(f) { buffer.reserve(capacity + 4096); }
+  explicit Out(std::FILE* f) : file(f), buffer(new char[capacity + slack]) {}
   ~Out() { flush(); }
   Out(const Out&) = delete;
   Out& operator=(const Out&) = delete;
 
   void put(const char* s, std::size_t n) {
-    buffer.append(s, n);
-    if (buffer.size() >= capacity) flush();
+    if (n > slack) {
+      flush();
+      failed = failed || std::fwrite(s, 1, n, file) != n;
+      return;
+    }
+    room();
+    std::memcpy(cursor, s, n);
+    cursor += n;
   }
   void put(std::string_view s) { put(s.data(), s.size()); }
   void put(char c) {
-    buffer.push_back(c);
-    if (buffer.size() >= capacity) flush();
+    room();
+    *cursor++ = c;
   }
   template <class T>
   void number(T v) {
-    char digits[40];
-    auto r = std::to_chars(digits, digits + sizeof digits, v);
-    put(digits, std::size_t(r.ptr - digits));
+    room();
+    cursor = std::to_chars(cursor, cursor + 40, v).ptr;
   }
   // Exact: the shortest text that reads back to the same bits; a NaN as
   // its bits, since no decimal text keeps its payload.
@@ -100,19 +108,23 @@ class Out {
     put('"');
     for (std::size_t i = 0; i < n; ++i) {
       const unsigned char c = s[i];
+      room();
       if (c == '"' || c == '\\') {
-        put('\\');
-        put(char(c));
+        *cursor++ = '\\';
+        *cursor++ = char(c);
       } else if (c == '\n') {
-        put("\\n");
+        *cursor++ = '\\';
+        *cursor++ = 'n';
       } else if (c == '\t') {
-        put("\\t");
+        *cursor++ = '\\';
+        *cursor++ = 't';
       } else if (c < 0x20 || c == 0x7f) {
-        put("\\x");
-        put(hex[c >> 4]);
-        put(hex[c & 15]);
+        *cursor++ = '\\';
+        *cursor++ = 'x';
+        *cursor++ = hex[c >> 4];
+        *cursor++ = hex[c & 15];
       } else {
-        put(char(c));
+        *cursor++ = char(c);
       }
     }
     put('"');
@@ -120,21 +132,29 @@ class Out {
   void hexBytes(const unsigned char* s, std::size_t n) {
     static const char hex[] = "0123456789abcdef";
     for (std::size_t i = 0; i < n; ++i) {
-      put(hex[s[i] >> 4]);
-      put(hex[s[i] & 15]);
+      room();
+      *cursor++ = hex[s[i] >> 4];
+      *cursor++ = hex[s[i] & 15];
     }
   }
   bool flush() {
-    if (!buffer.empty() && !failed)
-      failed = std::fwrite(buffer.data(), 1, buffer.size(), file) != buffer.size();
-    buffer.clear();
+    const std::size_t n = std::size_t(cursor - buffer.get());
+    if (n && !failed) failed = std::fwrite(buffer.get(), 1, n, file) != n;
+    cursor = buffer.get();
     return !failed;
   }
 
  private:
   static constexpr std::size_t capacity = 1 << 20;
+  static constexpr std::size_t slack = 64;  // the most one put adds
+  void room() {
+    if (cursor >= limit) flush();
+  }
+
   std::FILE* file;
-  std::string buffer;
+  std::unique_ptr<char[]> buffer;
+  char* cursor = buffer.get();
+  char* const limit = buffer.get() + capacity;
   bool failed = false;
 };
 
@@ -213,7 +233,13 @@ class Printer {
     out.put(' ');
     out.put(tagNames[std::size_t(e.getTag())]);
     out.put(' ');
-    version(e.getVersion());
+    if (e.getVersion() != lastVersion || versionText.empty()) {
+      lastVersion = e.getVersion();
+      versionText = std::to_string(sxGetMajorVersion(lastVersion)) + '.' +
+                    std::to_string(sxGetMinorVersion(lastVersion)) + '.' +
+                    std::to_string(sxGetBuildVersion(lastVersion));
+    }
+    out.put(versionText);
     if (e.getCompression() == sxEntry::RUN_LENGTH)
       out.put(" rle");
     else if (e.getCompression() != sxEntry::NO_COMPRESSION) {
@@ -261,13 +287,6 @@ class Printer {
     return true;
   }
 
-  void version(unsigned v) {
-    out.number(sxGetMajorVersion(v));
-    out.put('.');
-    out.number(sxGetMinorVersion(v));
-    out.put('.');
-    out.number(sxGetBuildVersion(v));
-  }
   void ref(int n) {
     if (n < 0) {
       out.put("none");
@@ -404,6 +423,8 @@ class Printer {
   std::vector<bool> objectTag;
   std::vector<Recorder::Value> values;
   const unsigned char* data = nullptr;
+  unsigned lastVersion = 0;
+  std::string versionText;
 };
 
 }  // namespace
