@@ -318,6 +318,8 @@ class Parser {
   // padding is zeros.
 
   void put(const void* v, std::size_t size, std::size_t align) {
+    // An empty run writes nothing, not even its alignment.
+    if (size == 0) return;
     const std::size_t at = (data.size() + align - 1) & ~(align - 1);
     data.resize(at + size);
     std::memcpy(data.data() + at, v, size);
