@@ -36,12 +36,13 @@ class Recorder : public sxEntryObserver {
       head.resize(e + 1, none);
       tail.resize(e + 1, none);
     }
-    const auto i = std::uint32_t(values.size());
-    values.push_back({std::uint32_t(at), std::uint32_t(size), none, kind});
+    if (count % blockSize == 0) blocks.emplace_back(new Value[blockSize]);
+    const std::uint32_t i = count++;
+    value(i) = {std::uint32_t(at), std::uint32_t(size), none, kind};
     if (head[e] == none)
       head[e] = i;
     else
-      values[tail[e]].next = i;
+      value(tail[e]).next = i;
     tail[e] = i;
   }
 
@@ -49,12 +50,17 @@ class Recorder : public sxEntryObserver {
   void valuesOf(int e, std::vector<Value>& out) const {
     out.clear();
     if (std::size_t(e) >= head.size()) return;
-    for (std::uint32_t i = head[std::size_t(e)]; i != none; i = values[i].next)
-      out.push_back(values[i]);
+    for (std::uint32_t i = head[std::size_t(e)]; i != none; i = value(i).next)
+      out.push_back(value(i));
   }
 
  private:
-  std::vector<Value> values;
+  // Stored in blocks, which never move: a large scene records millions.
+  static constexpr std::uint32_t blockSize = 1 << 16;
+  Value& value(std::uint32_t i) const { return blocks[i / blockSize][i % blockSize]; }
+
+  std::vector<std::unique_ptr<Value[]>> blocks;
+  std::uint32_t count = 0;
   std::vector<std::uint32_t> head, tail;
 };
 
