@@ -3,11 +3,11 @@
 // the module at start-up to collect them constructs no importer.
 
 #include <assimp/DefaultIOSystem.h>
-#include <assimp/IOStream.hpp>
-#include <assimp/Importer.hpp>
 #include <assimp/scene.h>
 #include <sx/nodes/sxGroup.h>
 #include <sx/persist/sxLoader.h>
+#include <assimp/IOStream.hpp>
+#include <assimp/Importer.hpp>
 
 #include <cstdint>
 #include <string>
@@ -20,14 +20,13 @@ namespace {
 // less "xml", which would claim every XML file; Ogre's ".mesh.xml" files
 // are read under ".mesh".
 constexpr const char* extensions[] = {
-    "3d",      "3ds",     "3mf",       "ac",       "ac3d",  "acc",  "amf",     "ase",  "ask",
-    "assbin",  "b3d",     "blend",     "bsp",      "bvh",   "cob",  "csm",     "dae",  "dxf",
-    "enff",    "fbx",     "glb",       "gltf",     "hmp",   "ifc",  "ifczip",  "iqm",  "irr",
-    "irrmesh", "lwo",     "lws",       "lxo",      "md2",   "md3",  "md5anim", "md5camera",
-    "md5mesh", "mdc",     "mdl",       "mesh",     "mot",   "ms3d", "ndo",     "nff",  "obj",
-    "off",     "ogex",    "pk3",       "ply",      "pmx",   "prj",  "q3o",     "q3s",  "raw",
-    "scn",     "sib",     "smd",       "step",     "stl",   "stp",  "ter",     "uc",   "vta",
-    "x",       "x3d",     "x3db",      "xgl",      "zae",   "zgl"};
+    "3d",   "3ds",   "3mf", "ac",      "ac3d",      "acc",     "amf",  "ase",     "ask",  "assbin",
+    "b3d",  "blend", "bsp", "bvh",     "cob",       "csm",     "dae",  "dxf",     "enff", "fbx",
+    "glb",  "gltf",  "hmp", "ifc",     "ifczip",    "iqm",     "irr",  "irrmesh", "lwo",  "lws",
+    "lxo",  "md2",   "md3", "md5anim", "md5camera", "md5mesh", "mdc",  "mdl",     "mesh", "mot",
+    "ms3d", "ndo",   "nff", "obj",     "off",       "ogex",    "pk3",  "ply",     "pmx",  "prj",
+    "q3o",  "q3s",   "raw", "scn",     "sib",       "smd",     "step", "stl",     "stp",  "ter",
+    "uc",   "vta",   "x",   "x3d",     "x3db",      "xgl",     "zae",  "zgl"};
 
 // Assimp's own file access, counting the bytes of every file it opens
 // (a model may come in several files), which budgets the conversion.

@@ -85,7 +85,8 @@ bool Converter::makeArrays(const aiMesh* mesh, Arrays& arrays) {
     return fail(std::string("mesh \"") + mesh->mName.C_Str() + "\" has no usable vertices");
   const unsigned k = nf && mesh->mFaces ? mesh->mFaces[0].mNumIndices : 0;
   if (k < 1 || k > 3 || nf > unsigned(INT_MAX) / 4 / k)
-    return fail(std::string("mesh \"") + mesh->mName.C_Str() + "\" has no points, lines or triangles");
+    return fail(std::string("mesh \"") + mesh->mName.C_Str() +
+                "\" has no points, lines or triangles");
   const bool normals = mesh->mNormals != nullptr;
   const bool uvs = mesh->mTextureCoords[0] != nullptr;
   const std::uint64_t bytes =

@@ -118,7 +118,8 @@ void sxGeometry::updateBounds() {
 }
 
 void sxGeometry::updateFences(sxTravContext* ctx) {
-  if (sxVolume* outer = ctx ? ctx->getVolume() : nullptr) sxiGrowBy(*outer, sphere, ctx->getMatrix());
+  if (sxVolume* outer = ctx ? ctx->getVolume() : nullptr)
+    sxiGrowBy(*outer, sphere, ctx->getMatrix());
   sxGroup::updateFences(ctx);
 }
 
