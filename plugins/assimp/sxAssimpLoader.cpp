@@ -52,7 +52,19 @@ class sxAssimpLoader : public sxLoader {
     for (const char* ext : extensions) addExtension(ext);
   }
 
+  // Nothing thrown may reach the library: memory running out while Assimp
+  // or the conversion builds is an import that failed.
   sxBase* import(const char* path) override {
+    try {
+      return readModel(path);
+    } catch (...) {
+      fail(ERROR_OPEN, "%s: out of memory", path);
+      return nullptr;
+    }
+  }
+
+ private:
+  sxBase* readModel(const char* path) {
     std::uint64_t bytes = 0;
     Assimp::Importer importer;
     importer.SetIOHandler(new CountingIOSystem(bytes));
