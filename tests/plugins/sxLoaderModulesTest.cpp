@@ -91,3 +91,34 @@ TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
   std::filesystem::remove_all(dir);
 }
+
+// A scene file lists the modules its objects need; reading it loads them by
+// module name from the module directories, so that their classes can be
+// made, even after the module had been unloaded.
+TEST(sxLoaderModules, SceneFilesLoadTheModulesTheirObjectsNeed) {
+  auto dir = std::filesystem::temp_directory_path() / ("sxModuleList." + std::to_string(getpid()));
+  std::filesystem::create_directories(dir);
+  const std::string probe = (dir / "node.probe").string(), scene = (dir / "scene.sx").string();
+  std::ofstream(probe) << "from the module\n";
+  {
+    sxRef<sxGroup> root = new sxGroup;
+    sxRef<sxBase> node = sxLoader::importFile(probe.c_str());
+    ASSERT_TRUE(node && node->isOfType(sxGroup::getClassType()));
+    ASSERT_TRUE(root->addChild(static_cast<sxGroup*>(node.get())));
+    ASSERT_TRUE(sxLoader::exportFile(root.get(), scene.c_str())) << sxLoader::getErrorMessage();
+  }
+  sxPlugIn::unloadAll();
+  ASSERT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+  ASSERT_EQ(sxType::findType("sxProbeNode"), nullptr) << "the module's classes went with it";
+
+  sxRef<sxBase> back = sxLoader::importFile(scene.c_str());
+  ASSERT_TRUE(back) << sxLoader::getErrorMessage();
+  auto* group = static_cast<sxGroup*>(back.get());
+  ASSERT_EQ(group->getNumChildren(), 1);
+  EXPECT_STREQ(group->getChild(0)->getType()->getName(), "sxProbeNode");
+  EXPECT_STREQ(group->getChild(0)->getName(), "from the module");
+  back = nullptr;
+  sxPlugIn::unloadAll();
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+  std::filesystem::remove_all(dir);
+}
