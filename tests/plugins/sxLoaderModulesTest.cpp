@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
+#include <vector>
 
 namespace {
 
@@ -118,6 +121,38 @@ TEST(sxLoaderModules, SceneFilesLoadTheModulesTheirObjectsNeed) {
   EXPECT_STREQ(group->getChild(0)->getType()->getName(), "sxProbeNode");
   EXPECT_STREQ(group->getChild(0)->getName(), "from the module");
   back = nullptr;
+  sxPlugIn::unloadAll();
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+  std::filesystem::remove_all(dir);
+}
+
+// Threads import through the module while another unloads whatever it can:
+// the module stays while a thread is inside it or holds one of its objects,
+// and goes once all are gone.
+TEST(sxLoaderModulesConcurrency, ImportsRaceUnloading) {
+  auto dir = std::filesystem::temp_directory_path() / ("sxModuleRace." + std::to_string(getpid()));
+  std::filesystem::create_directories(dir);
+  const std::string probe = (dir / "n.probe").string();
+  std::ofstream(probe) << "raced\n";
+  std::atomic<int> imported{0};
+  std::atomic<bool> done{false};
+  std::thread unloader([&] {
+    while (!done.load()) sxPlugIn::unloadAll();
+  });
+  std::vector<std::thread> readers;
+  for (int t = 0; t < 3; ++t)
+    readers.emplace_back([&] {
+      for (int i = 0; i < 100; ++i) {
+        sxRef<sxBase> node = sxLoader::importFile(probe.c_str());
+        if (node && std::string(node->getName()) == "raced" &&
+            std::string(node->getType()->getName()) == "sxProbeNode")
+          ++imported;
+      }
+    });
+  for (std::thread& r : readers) r.join();
+  done = true;
+  unloader.join();
+  EXPECT_EQ(imported.load(), 300);
   sxPlugIn::unloadAll();
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
   std::filesystem::remove_all(dir);
