@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "support/sxTestFiles.h"
+
 namespace {
 
 int findLoader(const char* moduleName) {
@@ -60,15 +62,13 @@ TEST(sxLoaderModules, DiscoveryRegistersExtensionsAndSkipsWhatIsNoModule) {
 // module is loaded for them and stays while objects of its classes live,
 // and a failed export leaves the existing file as it was.
 TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
-  auto dir =
-      std::filesystem::temp_directory_path() / ("sxLoaderModules." + std::to_string(getpid()));
-  std::filesystem::create_directories(dir);
+  sxTempDir dir;
   sxRef<sxGroup> root = new sxGroup;
   root->setName("probe root");
-  const std::string file = (dir / "scene.PROBE").string();
+  const std::string file = dir.file("scene.PROBE");
   ASSERT_TRUE(sxLoader::exportFile(root.get(), file.c_str())) << sxLoader::getErrorMessage();
   EXPECT_EQ(readFile(file), "probe root\n");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1) << "no temporary left";
+  EXPECT_EQ(dir.count(), 1) << "no temporary left";
 
   sxPlugIn* record = nullptr;
   {
@@ -88,20 +88,18 @@ TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
     // The module refuses a null root: the file stays.
     EXPECT_FALSE(sxLoader::exportFile(nullptr, file.c_str()));
     EXPECT_EQ(readFile(file), "probe root\n");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1);
+    EXPECT_EQ(dir.count(), 1);
   }
   sxPlugIn::unloadAll();
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
-  std::filesystem::remove_all(dir);
 }
 
 // A scene file lists the modules its objects need; reading it loads them by
 // module name from the module directories, so that their classes can be
 // made, even after the module had been unloaded.
 TEST(sxLoaderModules, SceneFilesLoadTheModulesTheirObjectsNeed) {
-  auto dir = std::filesystem::temp_directory_path() / ("sxModuleList." + std::to_string(getpid()));
-  std::filesystem::create_directories(dir);
-  const std::string probe = (dir / "node.probe").string(), scene = (dir / "scene.sx").string();
+  sxTempDir dir;
+  const std::string probe = dir.file("node.probe"), scene = dir.file("scene.sx");
   std::ofstream(probe) << "from the module\n";
   {
     sxRef<sxGroup> root = new sxGroup;
@@ -123,16 +121,14 @@ TEST(sxLoaderModules, SceneFilesLoadTheModulesTheirObjectsNeed) {
   back = nullptr;
   sxPlugIn::unloadAll();
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
-  std::filesystem::remove_all(dir);
 }
 
 // Threads import through the module while another unloads whatever it can:
 // the module stays while a thread is inside it or holds one of its objects,
 // and goes once all are gone.
 TEST(sxLoaderModulesConcurrency, ImportsRaceUnloading) {
-  auto dir = std::filesystem::temp_directory_path() / ("sxModuleRace." + std::to_string(getpid()));
-  std::filesystem::create_directories(dir);
-  const std::string probe = (dir / "n.probe").string();
+  sxTempDir dir;
+  const std::string probe = dir.file("n.probe");
   std::ofstream(probe) << "raced\n";
   std::atomic<int> imported{0};
   std::atomic<bool> done{false};
@@ -155,5 +151,4 @@ TEST(sxLoaderModulesConcurrency, ImportsRaceUnloading) {
   EXPECT_EQ(imported.load(), 300);
   sxPlugIn::unloadAll();
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
-  std::filesystem::remove_all(dir);
 }
