@@ -1,18 +1,15 @@
 // The Assimp loader module: imports the model formats that the Open Asset
-// Import Library reads. Its record only lists the extensions, so loading
-// the module at start-up to collect them constructs no importer.
+// Import Library reads. Every start-up loads it to collect its extensions,
+// so it does not link Assimp: the module that does is loaded on the first
+// import.
 
-#include <assimp/DefaultIOSystem.h>
-#include <assimp/scene.h>
-#include <sx/nodes/sxGroup.h>
+#include <sx/object/sxPlugIn.h>
 #include <sx/persist/sxLoader.h>
-#include <assimp/IOStream.hpp>
-#include <assimp/Importer.hpp>
 
-#include <cstdint>
+#include <cstring>
 #include <string>
 
-#include "sxAssimpScene.h"
+#include "sxAssimpImporter.h"
 
 namespace {
 
@@ -28,53 +25,30 @@ constexpr const char* extensions[] = {
     "q3o",  "q3s",   "raw", "scn",     "sib",       "smd",     "step", "stl",     "stp",  "ter",
     "uc",   "vta",   "x",   "x3d",     "x3db",      "xgl",     "zae",  "zgl"};
 
-// Assimp's own file access, counting the bytes of every file it opens
-// (a model may come in several files), which budgets the conversion.
-class CountingIOSystem : public Assimp::DefaultIOSystem {
- public:
-  explicit CountingIOSystem(std::uint64_t& bytes) : bytes(bytes) {}
-  Assimp::IOStream* Open(const char* file, const char* mode) override {
-    Assimp::IOStream* stream = DefaultIOSystem::Open(file, mode);
-    if (stream) bytes += stream->FileSize();
-    return stream;
-  }
-
- private:
-  std::uint64_t& bytes;
-};
-
 class sxAssimpLoader : public sxLoader {
  public:
   sxAssimpLoader() : sxLoader("sxAssimpLoader.dll") {
     setName("Assimp models");
     setCompany("sxCore");
     setRelease(1, 0, 0, "2026-11-24");
+    enableSaveWithFile(false);
     for (const char* ext : extensions) addExtension(ext);
   }
 
-  // Nothing thrown may reach the library: memory running out while Assimp
-  // or the conversion builds is an import that failed.
   sxBase* import(const char* path) override {
-    try {
-      return readModel(path);
-    } catch (...) {
-      fail(ERROR_OPEN, "%s: out of memory", path);
+    sxPlugIn* record = sxPlugIn::load(sxAssimpImporter::moduleFile);
+    if (!record || !record->getName() ||
+        std::strcmp(record->getName(), sxAssimpImporter::recordName) != 0) {
+      fail(ERROR_OPEN, "%s: the module that reads models (%s) cannot be loaded", path,
+           sxAssimpImporter::moduleFile);
       return nullptr;
     }
-  }
-
- private:
-  sxBase* readModel(const char* path) {
-    std::uint64_t bytes = 0;
-    Assimp::Importer importer;
-    importer.SetIOHandler(new CountingIOSystem(bytes));
-    const aiScene* scene = importer.ReadFile(path, sxAssimpReadFlags);
-    if (!scene) {
-      fail(ERROR_OPEN, "%s: %s", path, importer.GetErrorString());
-      return nullptr;
-    }
+    auto* importer = static_cast<sxAssimpImporter*>(record);
     std::string error;
-    sxGroup* root = sxAssimpConvert(scene, bytes, error);
+    // Held while it reads, so that no other thread unloads it meanwhile.
+    importer->ref();
+    sxBase* root = importer->importModel(path, error);
+    importer->unRef();
     if (!root) fail(ERROR_OPEN, "%s: %s", path, error.c_str());
     return root;
   }
