@@ -18,6 +18,12 @@ CC=clang CXX=clang++ cmake -S . -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithD
   -DSXCORE_SANITIZE=address,undefined,fuzzer-no-link -DSXCORE_BUILD_FUZZ=ON \
   -DSXCORE_BUILD_TESTS=OFF -DSXCORE_BUILD_BENCH=OFF -DSXCORE_BUILD_TOOLS=OFF >/dev/null
 ninja -C "$build" -j "$(nproc)" sxFuzzSceneFile
+# The Assimp loader's conversion, on hostile scenes built from the bytes.
+scene=
+if ninja -C "$build" -t targets all | grep -q '^sxFuzzAssimpScene:'; then
+  scene=yes
+  ninja -C "$build" -j "$(nproc)" sxFuzzAssimpScene
+fi
 # The Assimp loader's target exists where libassimp-dev is installed. It
 # runs only on request (SXCORE_FUZZ_ASSIMP=1): Assimp 5.2's own readers
 # leak and hang on damaged models (STL, PLY, and leaks found within a
@@ -44,6 +50,14 @@ ASAN_OPTIONS="quarantine_size_mb=16:${ASAN_OPTIONS:-}" \
 "$build/fuzz/sxFuzzSceneFile" -max_total_time="$seconds" -max_len=16384 \
   -timeout=10 -rss_limit_mb=384 -malloc_limit_mb=128 -print_final_stats=1 \
   -artifact_prefix="$work/" "$work" fuzz/corpus >/dev/null
+
+if [ -n "$scene" ]; then
+  mkdir -p "$work/assimp-scene"
+  ASAN_OPTIONS="quarantine_size_mb=16:${ASAN_OPTIONS:-}" \
+  "$build/fuzz/sxFuzzAssimpScene" -max_total_time="$seconds" -max_len=16384 \
+    -timeout=10 -rss_limit_mb=1024 -print_final_stats=1 \
+    -artifact_prefix="$work/" "$work/assimp-scene" >/dev/null
+fi
 
 if [ -n "$assimp" ]; then
   # Assimp's readers allocate by what a model claims: the malloc limit is
