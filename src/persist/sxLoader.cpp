@@ -107,9 +107,11 @@ bool writeReplacing(const char* path, Write write) {
 bool sxLoader::fail(LOADER_ERROR code, const char* format, ...) {
   lastError.code = code;
   lastError.hasMessage = true;
+  lastError.message[0] = 0;
+  if (!format) return false;
   std::va_list args;
   va_start(args, format);
-  std::vsnprintf(lastError.message, sizeof lastError.message, format ? format : "", args);
+  std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
   va_end(args);
   return false;
 }
