@@ -19,9 +19,8 @@ const char* orNone(const char* s) {
 
 sxBase* importOrSay(const char* command, const char* path) {
   sxBase* root = sxLoader::importFile(path);
-  if (!root)
-    std::fprintf(stderr, "sxtool %s: cannot read %s: %s\n", command, path,
-                 orNone(sxLoader::getErrorMessage()));
+  // The loader's message names the file.
+  if (!root) std::fprintf(stderr, "sxtool %s: %s\n", command, orNone(sxLoader::getErrorMessage()));
   return root;
 }
 
@@ -35,6 +34,10 @@ class ProgressBar {
   ~ProgressBar() {
     sxLoader::setProgressFunc(nullptr, nullptr);
     if (drawn) std::fputs("\n", stderr);
+  }
+  // A bar that was drawn is shown full.
+  void complete() {
+    if (drawn) update(1.0, this);
   }
   ProgressBar(const ProgressBar&) = delete;
   ProgressBar& operator=(const ProgressBar&) = delete;
@@ -64,14 +67,15 @@ int sxToolConvert(const char* in, const char* out) {
   {
     ProgressBar bar("reading");
     root = importOrSay("convert", in);
+    if (root) bar.complete();
   }
   if (!root) return 1;
   ProgressBar bar("writing");
   if (!sxLoader::exportFile(root.get(), out)) {
-    std::fprintf(stderr, "sxtool convert: cannot write %s: %s\n", out,
-                 orNone(sxLoader::getErrorMessage()));
+    std::fprintf(stderr, "sxtool convert: %s\n", orNone(sxLoader::getErrorMessage()));
     return 1;
   }
+  bar.complete();
   return 0;
 }
 
