@@ -3,6 +3,7 @@
 #include <sx/nodes/sxGroup.h>
 #include <sx/object/sxBase.h>
 #include <sx/object/sxType.h>
+#include <sx/persist/sxLoader.h>
 #include <sx/viewing/sxStyle.h>
 
 #include <cstring>
@@ -132,6 +133,7 @@ bool sxDotWrite(const sxBase* root, std::FILE* out) {
     }
     std::string edges;
     for (std::size_t id = 0; id < order.size(); ++id) {
+      if ((id & 4095) == 4095) sxLoader::reportProgress((long long)id, (long long)order.size());
       const sxGroup* g = order[id];
       edges = nodeLine(id, g);
       for (int i = 0; i < g->getNumChildren(); ++i)

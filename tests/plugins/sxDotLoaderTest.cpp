@@ -47,6 +47,12 @@ TEST_F(sxDotLoaderTest, SharedInstanceOnceNamesEscapedDepthFirstIds) {
   b->setName("two\nlines\\ \"quoted\" \xFF");
   shared->setName("shared");
   ASSERT_TRUE(root->addChild(a) && root->addChild(b) && a->addChild(shared) && b->addChild(shared));
+  // A style lists its traits (audio before traversal ones), four at most.
+  auto* style = new sxStyle;
+  style->setName("look");
+  ASSERT_TRUE(style->addTrait(new sxCull) && style->addTrait(new sxPrune) &&
+              style->addTrait(new sxSort) && style->addTrait(new sxColliderMask) &&
+              style->addTrait(new sxAudioLevelScale) && root->addChild(style));
 
   const std::string text = exportText(root.get());
   EXPECT_EQ(text.rfind("digraph \"scene\" {\n", 0), 0u) << text;
@@ -56,10 +62,14 @@ TEST_F(sxDotLoaderTest, SharedInstanceOnceNamesEscapedDepthFirstIds) {
   EXPECT_NE(text.find("n3 [label=\"sxGroup\\ntwo\\nlines\\\\ \\\"quoted\\\" ?\"]"),
             std::string::npos)
       << text;
-  EXPECT_EQ(count(text, "label="), 4) << text;
-  for (const char* edge : {"n0 -> n1;", "n0 -> n3;", "n1 -> n2;", "n3 -> n2;"})
+  EXPECT_NE(text.find("n4 [label=\"sxStyle\\nlook\\n[sxAudioLevelScale, sxCull, sxPrune, "
+                      "sxSort, +1]\", shape=ellipse]"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(count(text, "label="), 5) << text;
+  for (const char* edge : {"n0 -> n1;", "n0 -> n3;", "n0 -> n4;", "n1 -> n2;", "n3 -> n2;"})
     EXPECT_EQ(count(text, edge), 1) << edge << "\n" << text;
-  EXPECT_EQ(count(text, "->"), 4) << text;
+  EXPECT_EQ(count(text, "->"), 5) << text;
   EXPECT_EQ(text.substr(text.size() - 2), "}\n");
 }
 
