@@ -164,14 +164,16 @@ void sxFile::cleanUp() {
 void sxFile::releaseHolds() {
   if (!state) return;
   decltype(state->heldObjects) objects, failed;
-  decltype(state->heldArrays) arrays;
+  decltype(state->heldArrays) arrays, droppedArrays;
   objects.swap(state->heldObjects);
   failed.swap(state->failedObjects);
   arrays.swap(state->heldArrays);
+  droppedArrays.swap(state->droppedArrays);
   for (sxBase* obj : objects)
     if (obj) obj->unRefNoDelete();
   for (sxArray* a : arrays) a->unRefNoDelete();
   for (sxBase* obj : failed) obj->unRef();
+  for (sxArray* a : droppedArrays) a->unRef();
 }
 
 void sxFile::close() {
@@ -629,6 +631,12 @@ void sxiFileAccess::drop(sxFile* file, sxBase* obj) {
   // The object was usually read just before its reader saw it.
   for (std::size_t i = objects.size(); i-- > 0;)
     if (objects[i] == obj) return failed(file, i);
+}
+
+void sxiFileAccess::drop(sxFile* file, sxArray* array) {
+  if (!array) return;
+  array->ref();
+  file->state->droppedArrays.push_back(array);
 }
 
 void sxiFileAccess::hold(sxFile* file, sxArray* array) {

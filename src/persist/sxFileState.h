@@ -87,6 +87,9 @@ struct sxiFileState {
   std::vector<sxBase*, sxAllocator<sxBase*>> heldObjects;
   std::vector<sxBase*, sxAllocator<sxBase*>> failedObjects;
   std::vector<sxArray*, sxAllocator<sxArray*>> heldArrays;
+  // Arrays a reader refused (see sxiFileAccess::drop), each with a
+  // reference of its own that closing gives back for good.
+  std::vector<sxArray*, sxAllocator<sxArray*>> droppedArrays;
   // Objects a reader dropped (see sxiFileAccess::drop), so that dropping
   // one again costs no search.
   std::unordered_set<const sxBase*> dropped;
@@ -170,6 +173,9 @@ struct sxiFileAccess {
   // A reader got obj but does not keep it (a reference of the wrong kind):
   // closing releases the file's hold for good, as for a failed object.
   static void drop(sxFile* file, sxBase* obj);
+  // A reader got array but does not keep it: closing frees it unless
+  // something else took a reference.
+  static void drop(sxFile* file, sxArray* array);
 
   // True once an entry was refused for passing the budget: the file is
   // hostile, and nothing read from it should be used.

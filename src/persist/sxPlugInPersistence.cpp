@@ -93,7 +93,12 @@ void sxPlugIn::loadPlugIns(sxFile* file) {
     char* moduleName = readPlugIn(entry);
     if (!moduleName && entry->getCursor() == at) break;
     if (!moduleName) continue;
-    load(moduleName);
+    // Only the module's name counts: a file must not make the library
+    // load a library from a place of its choosing.
+    const char* base = moduleName;
+    for (const char* p = moduleName; *p; ++p)
+      if (*p == '/' || *p == '\\') base = p + 1;
+    if (*base) load(base);
     sxMemory::free(moduleName);
   }
 }

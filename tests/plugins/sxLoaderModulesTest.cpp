@@ -1,10 +1,15 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
+#include <atomic>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <thread>
+#include <vector>
+
+#include "support/sxTestFiles.h"
 
 namespace {
 
@@ -57,15 +62,13 @@ TEST(sxLoaderModules, DiscoveryRegistersExtensionsAndSkipsWhatIsNoModule) {
 // module is loaded for them and stays while objects of its classes live,
 // and a failed export leaves the existing file as it was.
 TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
-  auto dir =
-      std::filesystem::temp_directory_path() / ("sxLoaderModules." + std::to_string(getpid()));
-  std::filesystem::create_directories(dir);
+  sxTempDir dir;
   sxRef<sxGroup> root = new sxGroup;
   root->setName("probe root");
-  const std::string file = (dir / "scene.PROBE").string();
+  const std::string file = dir.file("scene.PROBE");
   ASSERT_TRUE(sxLoader::exportFile(root.get(), file.c_str())) << sxLoader::getErrorMessage();
   EXPECT_EQ(readFile(file), "probe root\n");
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1) << "no temporary left";
+  EXPECT_EQ(dir.count(), 1) << "no temporary left";
 
   sxPlugIn* record = nullptr;
   {
@@ -85,9 +88,67 @@ TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
     // The module refuses a null root: the file stays.
     EXPECT_FALSE(sxLoader::exportFile(nullptr, file.c_str()));
     EXPECT_EQ(readFile(file), "probe root\n");
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir), {}), 1);
+    EXPECT_EQ(dir.count(), 1);
   }
   sxPlugIn::unloadAll();
   EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
-  std::filesystem::remove_all(dir);
+}
+
+// A scene file lists the modules its objects need; reading it loads them by
+// module name from the module directories, so that their classes can be
+// made, even after the module had been unloaded.
+TEST(sxLoaderModules, SceneFilesLoadTheModulesTheirObjectsNeed) {
+  sxTempDir dir;
+  const std::string probe = dir.file("node.probe"), scene = dir.file("scene.sx");
+  std::ofstream(probe) << "from the module\n";
+  {
+    sxRef<sxGroup> root = new sxGroup;
+    sxRef<sxBase> node = sxLoader::importFile(probe.c_str());
+    ASSERT_TRUE(node && node->isOfType(sxGroup::getClassType()));
+    ASSERT_TRUE(root->addChild(static_cast<sxGroup*>(node.get())));
+    ASSERT_TRUE(sxLoader::exportFile(root.get(), scene.c_str())) << sxLoader::getErrorMessage();
+  }
+  sxPlugIn::unloadAll();
+  ASSERT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+  ASSERT_EQ(sxType::findType("sxProbeNode"), nullptr) << "the module's classes went with it";
+
+  sxRef<sxBase> back = sxLoader::importFile(scene.c_str());
+  ASSERT_TRUE(back) << sxLoader::getErrorMessage();
+  auto* group = static_cast<sxGroup*>(back.get());
+  ASSERT_EQ(group->getNumChildren(), 1);
+  EXPECT_STREQ(group->getChild(0)->getType()->getName(), "sxProbeNode");
+  EXPECT_STREQ(group->getChild(0)->getName(), "from the module");
+  back = nullptr;
+  sxPlugIn::unloadAll();
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
+}
+
+// Threads import through the module while another unloads whatever it can:
+// the module stays while a thread is inside it or holds one of its objects,
+// and goes once all are gone.
+TEST(sxLoaderModulesConcurrency, ImportsRaceUnloading) {
+  sxTempDir dir;
+  const std::string probe = dir.file("n.probe");
+  std::ofstream(probe) << "raced\n";
+  std::atomic<int> imported{0};
+  std::atomic<bool> done{false};
+  std::thread unloader([&] {
+    while (!done.load()) sxPlugIn::unloadAll();
+  });
+  std::vector<std::thread> readers;
+  for (int t = 0; t < 3; ++t)
+    readers.emplace_back([&] {
+      for (int i = 0; i < 100; ++i) {
+        sxRef<sxBase> node = sxLoader::importFile(probe.c_str());
+        if (node && std::string(node->getName()) == "raced" &&
+            std::string(node->getType()->getName()) == "sxProbeNode")
+          ++imported;
+      }
+    });
+  for (std::thread& r : readers) r.join();
+  done = true;
+  unloader.join();
+  EXPECT_EQ(imported.load(), 300);
+  sxPlugIn::unloadAll();
+  EXPECT_EQ(sxPlugIn::find("sxProbeLoader.dll"), nullptr);
 }
