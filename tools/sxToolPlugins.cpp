@@ -32,9 +32,19 @@ int sxToolPlugins() {
   std::printf("\nloader modules (%d):\n", sxLoader::getNumLoaders());
   for (int i = 0; i < sxLoader::getNumLoaders(); ++i) {
     const char* module = sxLoader::getLoaderName(i);
-    std::string extensions;
-    for (int e = 0; e < sxLoader::getNumLoaderExtensions(i); ++e)
-      (extensions += extensions.empty() ? "." : ", .") += sxLoader::getLoaderExtension(i, e);
+    // Wrapped to lines of about 76 columns.
+    std::string extensions, line;
+    for (int e = 0; e < sxLoader::getNumLoaderExtensions(i); ++e) {
+      const std::string ext = std::string(".") + sxLoader::getLoaderExtension(i, e);
+      if (!line.empty() && line.size() + ext.size() > 58) {
+        (extensions += line) += ",\n                ";
+        line.clear();
+      } else if (!line.empty()) {
+        line += ", ";
+      }
+      line += ext;
+    }
+    extensions += line;
     std::printf("  %s\n    extensions: %s\n", module, orNone(extensions.c_str()));
     if (const sxPlugIn* p = sxPlugIn::load(module))
       std::printf("    name:       %s\n    company:    %s\n    release:    %d.%d.%d of %s\n",

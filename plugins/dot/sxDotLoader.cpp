@@ -15,7 +15,7 @@ class sxDotLoader : public sxLoader {
  public:
   sxDotLoader() : sxLoader("sxDotLoader.dll") {
     setName("Graphviz node graph");
-    setCompany("Obrant Works");
+    setCompany("sxCore");
     setRelease(1, 0, 0, "2026-11-24");
     addExtension("dot");
   }
