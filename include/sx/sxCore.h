@@ -55,6 +55,7 @@
 #include <sx/object/sxRef.h>
 #include <sx/object/sxType.h>
 #include <sx/persist/sxEntry.h>
+#include <sx/persist/sxEntryObserver.h>
 #include <sx/persist/sxFile.h>
 #include <sx/persist/sxLoader.h>
 #include <sx/sxVersion.h>

@@ -137,7 +137,7 @@ sxEntry* sxArray::writeRef(sxFile* file, sxEntry* entry) const {
       sxiFileAccess::entryComplete(own);
     }
   }
-  if (entry) entry->writeInt(own ? own->getDirNum() : -1);
+  if (entry) entry->writeRef(own ? own->getDirNum() : -1);
   return own;
 }
 

@@ -92,7 +92,7 @@ static void writeDeferred(sxFile* file, sxiFileState& s) {
 sxEntry* sxBase::writeRef(sxFile* file, sxEntry* entry) const {
   if (!file) return nullptr;
   if (!isWritableObject(this)) {
-    if (entry) entry->writeInt(-1);
+    if (entry) entry->writeRef(-1);
     return nullptr;
   }
   sxiFileState& s = sxiFileAccess::state(file);
@@ -105,7 +105,7 @@ sxEntry* sxBase::writeRef(sxFile* file, sxEntry* entry) const {
     own = write(file, nullptr);
     sxiFileAccess::entryComplete(own);
   }
-  if (entry) entry->writeInt(own ? own->getDirNum() : -1);
+  if (entry) entry->writeRef(own ? own->getDirNum() : -1);
   if (nesting.outermost()) writeDeferred(file, s);
   return own;
 }

@@ -1,5 +1,6 @@
 #include <sx/object/sxMemory.h>
 #include <sx/persist/sxEntry.h>
+#include <sx/persist/sxEntryObserver.h>
 #include <sx/persist/sxFile.h>
 
 #include <climits>
@@ -36,7 +37,8 @@ sxEntry::sxEntry(int t)
       dirNum(-1),
       version(0),
       owner(nullptr),
-      slot(-1) {}
+      slot(-1),
+      observer(nullptr) {}
 
 sxEntry::~sxEntry() {
   freeData();
@@ -105,55 +107,66 @@ void sxEntry::trim() {
   capacity = dataSize;
 }
 
-void sxEntry::writeAligned(int align, const void* p, int size) {
+void sxEntry::writeAligned(VALUE kind, int align, const void* p, int size) {
   int at = alignUp(cursor, align);
   if (!reserve(at, size, false)) return;
   std::memcpy(data + at, p, std::size_t(size));
   noteEnd(at + size);
+  if (observer) observer->written(*this, kind, at, size);
+}
+
+void sxEntry::writeBytes(VALUE kind, const void* p, int n) {
+  if (!p || n <= 0 || n > INT_MAX / 2) return;
+  int at = cursor;
+  if (!reserve(at, n, true)) return;
+  std::memcpy(data + at, p, std::size_t(n));
+  noteEnd(at + n);
+  if (observer) observer->written(*this, kind, at, n);
 }
 
 void sxEntry::writeByte(unsigned char v) {
-  writeAligned(1, &v, 1);
+  writeAligned(VALUE_BYTE, 1, &v, 1);
 }
 void sxEntry::writeShort(short v) {
-  writeAligned(1, &v, 2);
+  writeAligned(VALUE_SHORT, 1, &v, 2);
 }
 void sxEntry::writeInt(int v) {
-  writeAligned(4, &v, 4);
+  writeAligned(VALUE_INT, 4, &v, 4);
 }
 void sxEntry::writeBool(bool v) {
-  writeInt(v ? 1 : 0);
+  int i = v ? 1 : 0;
+  writeAligned(VALUE_BOOL, 4, &i, 4);
 }
 void sxEntry::writeFloat(float v) {
-  writeAligned(4, &v, 4);
+  writeAligned(VALUE_FLOAT, 4, &v, 4);
 }
 void sxEntry::writeDouble(double v) {
-  writeAligned(8, &v, 8);
+  writeAligned(VALUE_DOUBLE, 8, &v, 8);
+}
+void sxEntry::writeRef(int dirNum) {
+  writeAligned(VALUE_REF, 4, &dirNum, 4);
 }
 
 // Elements of 4 bytes stay aligned once the first is, so a run of them is
 // one copy.
 void sxEntry::writeInts(const int* v, int n) {
   if (!v || n <= 0 || n > INT_MAX / 4) return;
-  writeAligned(4, v, n * 4);
+  writeAligned(VALUE_INTS, 4, v, n * 4);
 }
 void sxEntry::writeFloats(const float* v, int n) {
   if (!v || n <= 0 || n > INT_MAX / 4) return;
-  writeAligned(4, v, n * 4);
+  writeAligned(VALUE_FLOATS, 4, v, n * 4);
 }
 
 void sxEntry::writeString(const char* s) {
   if (!s) return;
   std::size_t n = std::strlen(s) + 1;
   if (n > std::size_t(INT_MAX / 2)) return;
-  writeChunk(s, int(n));
+  writeBytes(VALUE_STRING, s, int(n));
 }
 
 void sxEntry::writeChunk(const void* p, int n) {
-  if (!p || n <= 0 || n > INT_MAX / 2) return;
-  if (!reserve(cursor, n, true)) return;
-  std::memcpy(data + cursor, p, std::size_t(n));
-  noteEnd(cursor + n);
+  writeBytes(VALUE_CHUNK, p, n);
 }
 
 // The end test looks at the cursor before alignment; a value that would

@@ -154,6 +154,8 @@ void sxFile::cleanUp() {
     state->releaseEntryBlocks();
     state->deferredWrites.clear();
     state->deferredReads.clear();
+    state->inMemory = false;
+    state->observer = nullptr;
   }
 }
 
@@ -317,6 +319,29 @@ bool sxFile::create(const char* path) {
   return true;
 }
 
+bool sxFile::createInMemory(const char* name) {
+  cleanUp();
+  if (!name || !state) return fail(ERR_OPEN);
+  fileName = copyString(name);
+  header = static_cast<sxiFileHeader*>(sxMemory::calloc(1, sizeof(sxiFileHeader)));
+  if (!fileName || !header) {
+    cleanUp();
+    return fail(ERR_OPEN);
+  }
+  header->magic = magic;
+  header->version = sxGetVersion();
+  state->inMemory = true;
+  return true;
+}
+
+void sxFile::setObserver(sxEntryObserver* observer) {
+  if (state) state->observer = observer;
+}
+
+bool sxFile::isOpen() const {
+  return fd >= 0 || (state && state->inMemory);
+}
+
 bool sxFile::isSolmaxFormat(const char* path) {
   int f = sxPlatform::fileOpen(path, sxPlatform::FileMode::readOnly);
   if (f < 0) return false;
@@ -374,6 +399,7 @@ sxEntry* sxFile::newEntry(int tag) {
   void* place = state->allocateEntry(sizeof(sxEntry));
   if (!place) return nullptr;
   auto* e = ::new (place) sxEntry(tag);
+  e->observer = state->observer;
   if (addEntry(e) < 0) {
     e->~sxEntry();
     return nullptr;
@@ -454,6 +480,12 @@ unsigned sxFile::getVersion() const {
 // --- reading entry data
 
 bool sxFile::readEntry(sxEntry* entry) {
+  if (state->inMemory) {
+    // The data are where their writer put them: reading starts over.
+    if (!entry || !entry->data || entry->dataSize < 1) return fail(ERR_NO_DATA);
+    entry->cursor = 0;
+    return true;
+  }
   if (fd < 0) return fail(ERR_NOT_OPEN);
   if (!entry) return fail(ERR_NO_DATA);
   if (entry->dataSize < 1) return fail(ERR_NO_DATA);

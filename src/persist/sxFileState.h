@@ -11,6 +11,7 @@
 class sxArray;
 class sxBase;
 class sxEntry;
+class sxEntryObserver;
 class sxFile;
 class sxType;
 
@@ -71,6 +72,10 @@ struct sxiFileState {
     std::uint64_t scaled = budgetFactor * std::uint64_t(fileSize > 0 ? fileSize : 0);
     return scaled > budgetFloor ? scaled : budgetFloor;
   }
+
+  // A file without a disk file behind it: entries keep their data.
+  bool inMemory = false;
+  sxEntryObserver* observer = nullptr;
 
   // What the last failure was about, beyond its code (empty: nothing more).
   char errorDetail[160] = {};

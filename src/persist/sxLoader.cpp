@@ -113,9 +113,11 @@ bool writeReplacing(const char* path, Write write) {
 bool sxLoader::fail(LOADER_ERROR code, const char* format, ...) {
   lastError.code = code;
   lastError.hasMessage = true;
+  lastError.message[0] = 0;
+  if (!format) return false;
   std::va_list args;
   va_start(args, format);
-  std::vsnprintf(lastError.message, sizeof lastError.message, format ? format : "", args);
+  std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
   va_end(args);
   return false;
 }
@@ -240,15 +242,20 @@ sxBase* sxLoader::importFile(const char* name) {
     return nullptr;
   }
 
-  sxFile file;
   if (!sxFile::isSolmaxFormat(path.c_str())) {
     report(ERROR_OPEN, "%s: no loader reads .%s files, and it is no scene file", path.c_str(), ext);
     return nullptr;
   }
+  sxFile file;
   if (!file.open(path.c_str(), "r")) {
     report(ERROR_OPEN, "%s: %s", path.c_str(), file.getErrorMessage());
     return nullptr;
   }
+  return readScene(file, path.c_str());
+}
+
+sxBase* sxLoader::readScene(sxFile& file, const char* path) {
+  if (!path) path = "(unnamed)";
   sxPlugIn::loadPlugIns(&file);
   sxEntry* first = file.getEntry(0);
   sxBase* root = first && !sxiFileAccess::isArrayTag(&file, first->getTag())
@@ -256,8 +263,9 @@ sxBase* sxLoader::importFile(const char* name) {
                      : nullptr;
   if (!root) {
     const char* tag = first ? file.getTagDesc(first->getTag()) : nullptr;
-    report(ERROR_OPEN, "%s: the root entry names no class that can be made (%s)", path.c_str(),
+    report(ERROR_OPEN, "%s: the root entry names no class that can be made (%s)", path,
            tag ? tag : "no tag");
+    file.close();
     return nullptr;
   }
   // The file holds the root like everything else it makes, and gives it
@@ -267,7 +275,7 @@ sxBase* sxLoader::importFile(const char* name) {
   first->setHandle(root);
   if (!root->read(&file, first) || sxiFileAccess::overBudget(&file)) {
     sxiFileAccess::failed(&file, held);
-    report(ERROR_OPEN, "%s: the root object could not be read: %s", path.c_str(),
+    report(ERROR_OPEN, "%s: the root object could not be read: %s", path,
            file.getErrorMessage()[0] ? file.getErrorMessage() : "its record is damaged");
     file.close();
     return nullptr;

@@ -4,6 +4,7 @@
 
 #include <sx/sxExport.h>
 
+class sxEntryObserver;
 class sxFile;
 
 // One directory entry of a scene file: a data buffer with a cursor and the
@@ -18,6 +19,22 @@ class SX_API sxEntry {
  public:
   // Any other value read from a file counts as no compression.
   enum COMPRESSION : int { NO_COMPRESSION = 0, RUN_LENGTH = 1 };
+
+  /// The kinds of value the writers put into the data, as an observer of
+  /// the file is told of them (see sxFile::setObserver).
+  enum VALUE : unsigned char {
+    VALUE_BYTE,
+    VALUE_SHORT,
+    VALUE_INT,
+    VALUE_BOOL,  ///< an int, 0 or 1
+    VALUE_FLOAT,
+    VALUE_DOUBLE,
+    VALUE_INTS,    ///< a run of ints written at once
+    VALUE_FLOATS,  ///< a run of floats written at once
+    VALUE_STRING,  ///< the characters and their NUL
+    VALUE_CHUNK,
+    VALUE_REF  ///< an int: the directory number of another entry, or -1
+  };
 
   static constexpr std::uint32_t nativeMagic = 0xBA773265u;
   static constexpr std::uint32_t swappedMagic = 0x653277BAu;
@@ -55,6 +72,9 @@ class SX_API sxEntry {
   // The characters and the terminating NUL; nothing for null.
   void writeString(const char* s);
   void writeChunk(const void* p, int n);
+  /// A reference to another entry of the file: its directory number, or -1
+  /// for none. Stored as an int; only an observer tells it apart.
+  void writeRef(int dirNum);
 
   int readByte();
   short readShort();
@@ -87,7 +107,8 @@ class SX_API sxEntry {
   // the data, or -1.
   int readPosition(int align, int size) const;
   void readSwapped(int at, void* out, int size);
-  void writeAligned(int align, const void* p, int size);
+  void writeAligned(VALUE kind, int align, const void* p, int size);
+  void writeBytes(VALUE kind, const void* p, int n);
   template <class T>
   void readRun(T* out, int n);
   template <class T>
@@ -111,4 +132,6 @@ class SX_API sxEntry {
   // Bookkeeping: the file that lists the entry and its position there.
   sxFile* owner;
   int slot;
+  // Told of every value written (the file's observer when the entry was made).
+  sxEntryObserver* observer;
 };

@@ -7,6 +7,7 @@
 #include <sx/sxExport.h>
 
 class sxEntry;
+class sxEntryObserver;
 struct sxiFileHeader;
 struct sxiFileTag;
 struct sxiFileState;
@@ -64,6 +65,16 @@ class SX_API sxFile {
   bool open(const char* path, const char* mode);
   // Creates or truncates the file for reading and writing.
   bool create(const char* path);
+  /// Starts a file that lives only in memory, named `name` in messages:
+  /// its entries are filled by their writers (or setData) and read where
+  /// they are, so a loader can build a scene file from another format and
+  /// read it (sxLoader::readScene), or write one and look at its entries,
+  /// without touching the disk. write() fails on it.
+  bool createInMemory(const char* name);
+  /// Tells `observer` of every value written to the entries made from now
+  /// on, until the file closes (null: nobody). The observer must outlive
+  /// those writes.
+  void setObserver(sxEntryObserver* observer);
   // Writes header, tags, data blocks and directory. The file stays open.
   bool write();
   void close();
@@ -100,7 +111,7 @@ class SX_API sxFile {
   /// there was none).
   const char* getErrorMessage() const;
   bool isByteSwapped() const { return byteSwapped; }
-  bool isOpen() const { return fd >= 0; }
+  bool isOpen() const;  ///< a file on disk, or one in memory
   const char* getFileName() const { return fileName; }
 
  private:

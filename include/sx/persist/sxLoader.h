@@ -3,6 +3,7 @@
 #include <sx/object/sxPlugIn.h>
 
 class sxBase;
+class sxFile;
 class sxType;
 struct sxiLoaderDef;
 
@@ -72,6 +73,13 @@ class SX_API sxLoader : public sxPlugIn {
   // temporary file beside the target and renamed over it only when
   // complete, so a failed export leaves an existing file as it was.
   static bool exportFile(const sxBase* root, const char* name);
+
+  /// Reads the scene that an open file (on disk or in memory) holds, as
+  /// importFile reads a scene file: loads the plug-ins it names, reads the
+  /// root object from entry 0 and everything it refers to, and closes the
+  /// file. The new root (its reference count 0), or null with getError and
+  /// a message that names `path`.
+  static sxBase* readScene(sxFile& file, const char* path);
 
   // Registers the extension (without the dot) under which objects of type
   // (and derived classes) are saved. False when the class or the extension
