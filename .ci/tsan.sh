@@ -31,5 +31,5 @@ if command -v setarch >/dev/null && setarch "$(uname -m)" -R true 2>/dev/null; t
 fi
 export TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1 ${TSAN_OPTIONS:-}"
 cd "$build"
-"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership|sxInstanceLists|sxTraverser|sxDeepStack|sxScene|sxLoaderModulesConcurrency)\.' \
+"${run[@]}" ctest -R '^(sxLock|sxSemaphore|sxTimer|sxThread|sxThreadQueue|sxThreadLinks|sxDeferredDeletion|sxShutdown|sxEvent|ConcurrentLoad|sxOwnership|sxInstanceLists|sxTraverser|sxDeepStack|sxScene|sxLoaderModulesConcurrency|Loader)\.' \
   --output-on-failure -j2 --timeout 300 --no-tests=error

@@ -4,6 +4,7 @@
 #include <sx/object/sxType.h>
 #include <sx/persist/sxEntry.h>
 #include <sx/persist/sxFile.h>
+#include <sx/persist/sxLoader.h>
 
 #include <climits>
 #include <cstdio>
@@ -21,6 +22,8 @@ constexpr int readOnlyFlags = 0;
 constexpr int readWriteFlags = 1;
 constexpr int createFlags = 2;
 constexpr std::size_t transferBufferSize = 256 * 1024;
+// Progress is reported once per 1024 entries read or written (a mask).
+constexpr long long progressInterval = 1023;
 
 char* copyString(const char* s) {
   std::size_t n = std::strlen(s) + 1;
@@ -498,6 +501,8 @@ bool sxFile::readEntry(sxEntry* entry) {
     return fail(ERR_READ, detail);
   }
   state->decoded += size;
+  if ((++state->entriesRead & progressInterval) == 0)
+    sxLoader::reportProgress(state->entriesRead, entries.getNum());
   if (entry->compression != sxEntry::RUN_LENGTH) {
     if (std::int64_t(size) > state->fileSize) return fail(ERR_READ);
     auto* data = static_cast<unsigned char*>(sxMemory::calloc(1, size));
@@ -572,7 +577,9 @@ bool sxFile::writeData() {
                        std::int64_t(reservedPerEntry) * entries.getNum();
   if (!out.seek(start)) return false;
   sxiRunLength::Encoder encoder;
+  long long done = 0;
   for (sxEntry* e : entries) {
+    if ((++done & progressInterval) == 0) sxLoader::reportProgress(done, entries.getNum());
     if (!e->data) {
       e->dataSize = 0;
       continue;

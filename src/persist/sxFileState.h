@@ -65,6 +65,8 @@ struct sxiFileState {
   static constexpr std::uint64_t budgetFloor = std::uint64_t(32) << 20;
   static constexpr std::uint64_t budgetFactor = 128;
   std::uint64_t decoded = 0;
+  // Entries read so far, for the progress reports.
+  std::int64_t entriesRead = 0;
   bool overBudget = false;
   std::uint64_t budget() const {
     std::uint64_t scaled = budgetFactor * std::uint64_t(fileSize > 0 ? fileSize : 0);

@@ -43,6 +43,12 @@ struct ErrorState {
 };
 constinit thread_local ErrorState lastError{};
 
+struct Progress {
+  sxLoader::ProgressFunc func;
+  void* user;
+};
+constinit thread_local Progress progress{};
+
 char* copyString(const char* s, std::size_t extra = 0) {
   std::size_t n = std::strlen(s) + 1;
   char* p = static_cast<char*>(sxMemory::malloc(n + extra));
@@ -114,6 +120,16 @@ bool sxLoader::fail(LOADER_ERROR code, const char* format, ...) {
   std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
   va_end(args);
   return false;
+}
+
+void sxLoader::setProgressFunc(ProgressFunc func, void* user) {
+  progress = {func, user};
+}
+
+void sxLoader::reportProgress(long long done, long long total) {
+  if (!progress.func || total <= 0) return;
+  const double part = done <= 0 ? 0.0 : done >= total ? 1.0 : double(done) / double(total);
+  progress.func(part, progress.user);
 }
 
 void sxLoader::setError(LOADER_ERROR code) {

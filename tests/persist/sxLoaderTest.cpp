@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -240,3 +241,35 @@ TEST(ObjectPersistence, DeepChainsRoundTrip) {
 }
 
 }  // namespace
+
+// The scene file's writer and reader report their progress, rising and
+// within (0, 1], to the calling thread's function only.
+TEST(Loader, ProgressGoesToTheCallingThreadsFunction) {
+  sxTempDir dir;
+  sxRef<sxGroup> root(make<sxGroup>("root"));
+  for (int i = 0; i < 3000; ++i) root->addChild(new sxGroup);
+  const std::string path = dir.file("big.sx");
+  std::vector<double> seen;
+  auto record = [](double done, void* user) {
+    static_cast<std::vector<double>*>(user)->push_back(done);
+  };
+  auto rising = [&seen] {
+    for (std::size_t i = 0; i < seen.size(); ++i)
+      if (seen[i] <= 0 || seen[i] > 1 || (i && seen[i] < seen[i - 1])) return false;
+    return !seen.empty();
+  };
+  sxLoader::setProgressFunc(record, &seen);
+  ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
+  EXPECT_TRUE(rising()) << seen.size();
+  seen.clear();
+  sxRef<sxBase> back(sxLoader::importFile(path.c_str()));
+  ASSERT_TRUE(back);
+  EXPECT_TRUE(rising()) << seen.size();
+
+  const std::size_t reports = seen.size();
+  std::thread([&] { sxRef<sxBase> other(sxLoader::importFile(path.c_str())); }).join();
+  sxLoader::setProgressFunc(nullptr, nullptr);
+  back = sxLoader::importFile(path.c_str());
+  EXPECT_EQ(seen.size(), reports)
+      << "another thread's import and a removed function report nothing";
+}

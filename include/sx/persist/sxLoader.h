@@ -98,6 +98,16 @@ class SX_API sxLoader : public sxPlugIn {
   // failure or setErrorMessage; valid until its next import or export).
   static const char* getErrorMessage();
 
+  /// Receives the part of a file done, from 0 to 1.
+  using ProgressFunc = void (*)(double done, void* user);
+  /// Progress of the calling thread's imports and exports: func is called
+  /// now and then (every thousand entries or so) while a file is read or
+  /// written. Null: none.
+  static void setProgressFunc(ProgressFunc func, void* user);
+  /// Hands done of total units to the calling thread's progress function,
+  /// if any: readers and writers, the library's and the modules', call it.
+  static void reportProgress(long long done, long long total);
+
   /// The extensions of this loader's module definition.
   int getNumExtensions() const;
   const char* getExtension(int i) const;  ///< null outside the range
