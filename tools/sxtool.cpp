@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "demo/sxDemoScene.h"
 #include "sxTool.h"
 
 namespace {
@@ -69,6 +70,9 @@ void keepStdoutForData(char** argv) {
 int main(int argc, char** argv) {
   keepStdoutForData(argv);
   sxInit(nullptr);
+  // The demo's own node class, so that every command reads (and converts)
+  // the demo's files whole.
+  sxDemoInitClasses();
   int result = 0;
   if (argc < 2 || std::strcmp(argv[1], "--help") == 0 || std::strcmp(argv[1], "-h") == 0) {
     usage(argc < 2 ? stderr : stdout);
