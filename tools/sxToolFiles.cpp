@@ -50,8 +50,8 @@ int sxToolDump(const char* path) {
 int sxToolTree(const char* path) {
   sxRef<sxBase> root(path ? sxLoader::importFile(path) : nullptr);
   if (!root) {
-    std::fprintf(stderr, "sxtool tree: cannot read %s: %s\n", orNone(path),
-                 orNone(sxLoader::getErrorMessage()));
+    // The loader's message names the file.
+    std::fprintf(stderr, "sxtool tree: %s\n", orNone(sxLoader::getErrorMessage()));
     return 1;
   }
   if (!root->isOfType(sxGroup::getClassType())) {

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "kernel/sxKernelInternal.h"
 #include "platform/sxPlatform.h"
@@ -78,6 +79,21 @@ void sxiKernel::plugInTrace(const char* format, ...) {
 }
 
 void sxiKernel::forEachModuleDirectory(bool (*visit)(const char*, void*), void* user) {
+  // A directory named twice (the executable's is often the current one,
+  // and $PATH repeats entries) is searched once, where it comes first.
+  struct Once {
+    bool (*visit)(const char*, void*);
+    void* user;
+    std::vector<String, sxAllocator<String>> seen;
+  } once{visit, user, {}};
+  visit = [](const char* dir, void* data) {
+    auto* o = static_cast<Once*>(data);
+    for (const String& s : o->seen)
+      if (s == dir) return true;
+    o->seen.emplace_back(dir);
+    return o->visit(dir, o->user);
+  };
+  user = &once;
   char buffer[maxDirectory];
   if (sxPlatform::executablePath(buffer, sizeof buffer)) {
     const char* slash = std::strrchr(buffer, sxPlatform::pathSeparator);
