@@ -111,6 +111,25 @@ void BM_TreeFile(benchmark::State& state) {
 }
 BENCHMARK(BM_TreeFile)->Arg(0)->Arg(1)->Iterations(3)->Unit(benchmark::kMillisecond);
 
+// N new groups each take the same shared child (three shared levels of
+// detail under every object of a field, say), then all go: the cost per
+// parent must not grow with N.
+void BM_SharedChildManyParents(benchmark::State& state) {
+  const int n = int(state.range(0));
+  for (auto _ : state) {
+    sxRef<sxGroup> shared(new sxGroup), root(new sxGroup);
+    for (int i = 0; i < n; ++i) {
+      sxRef<sxGroup> parent(new sxGroup);
+      parent->addChild(shared.get());
+      root->addChild(parent.get());
+    }
+  }
+  state.counters["nsPerParent"] =
+      benchmark::Counter(double(n) * double(state.iterations()),
+                         benchmark::Counter::kIsRate | benchmark::Counter::kInvert);
+}
+BENCHMARK(BM_SharedChildManyParents)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
+
 }  // namespace
 
 SX_BENCHMARK_MAIN_KEEPING_HEAP()

@@ -49,8 +49,7 @@ int sxGroup::getChildIndex(const sxGroup* child) const {
 }
 
 bool sxGroup::hasChild(const sxGroup* child) const {
-  // The child's parents list is the short one.
-  return child && child->parents.contains(this);
+  return child && sxiGroupEdits::isLinked(this, child);
 }
 
 bool sxGroup::hasDescendant(sxGroup* node) const {
@@ -89,9 +88,16 @@ bool sxGroup::areChildrenOrdered() const {
 void sxGroup::childLinked(int) {}
 void sxGroup::childUnlinked(int) {}
 
-void sxGroup::addedTo(sxGroup*) {
+void sxGroup::addedTo(sxGroup* parent) {
   unsigned bits = (travFlags & TRAV_CONTENT_MASK) | TRAV_FLAG_UPDATE | TRAV_FLAG_ADDED;
   if (parents.getNum() > 1) bits |= TRAV_FLAG_SHARED;
+  // When this node's flags do not change, its other parents have them
+  // already: only the new one needs them. A shared instance with thousands
+  // of parents then gains one more at no cost per parent.
+  if (parent && (travFlags | bits) == travFlags) {
+    if ((parent->travFlags & travFlags) != travFlags) parent->dirtyUp(travFlags);
+    return;
+  }
   dirtyUp(bits);
 }
 

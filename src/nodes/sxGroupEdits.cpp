@@ -96,8 +96,13 @@ bool sxiGroupEdits::isAncestor(const sxGroup* ancestor, const sxGroup* node) {
   return walkUp(node, [ancestor](const sxGroup* g) { return g == ancestor; });
 }
 
+bool sxiGroupEdits::isLinked(const sxGroup* parent, const sxGroup* child) {
+  if (child->parents.getNum() <= parent->children.getNum()) return child->parents.contains(parent);
+  return parent->children.getIndex(const_cast<sxGroup*>(child)) >= 0;
+}
+
 bool sxiGroupEdits::refusesChild(const sxGroup* parent, const sxGroup* child) {
-  return !child || child == parent || child->parents.contains(parent) || isAncestor(child, parent);
+  return !child || child == parent || isLinked(parent, child) || isAncestor(child, parent);
 }
 
 bool sxiGroupEdits::refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode,
@@ -106,7 +111,7 @@ bool sxiGroupEdits::refusesInPlaceOf(const sxGroup* old, const sxGroup* newNode,
       (!allowDescendant && isAncestor(old, newNode)))
     return true;
   for (int i = 0; i < old->parents.getNum(); ++i)
-    if (newNode->parents.contains(old->parents.get(i))) return true;
+    if (isLinked(old->parents.get(i), newNode)) return true;
   return false;
 }
 
@@ -151,7 +156,7 @@ bool sxGroup::insertChild(int index, sxGroup* child) {
 }
 
 bool sxGroup::removeChild(sxGroup* child) {
-  if (!child || child == this || !child->parents.contains(this)) return false;
+  if (!child || child == this || !sxiGroupEdits::isLinked(this, child)) return false;
   const int at = children.getIndex(child);
   children.removeOrderedIndex(at);
   childUnlinked(at);
@@ -176,7 +181,7 @@ bool sxGroup::remove() {
     sxGroup* only = children[0];
     for (int i = 0; i < before.size(); ++i) {
       // A parent that already has the child keeps it once.
-      if (only->parents.contains(before[i]))
+      if (sxiGroupEdits::isLinked(before[i], only))
         before[i]->removeChild(this);
       else
         sxiGroupEdits::takeSlot(before[i], this, only, true);

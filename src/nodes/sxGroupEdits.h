@@ -41,6 +41,10 @@ struct sxiGroupEdits {
   // True when ancestor is node itself or lies above it, found by walking up
   // the parents lists only (never down a sub-graph).
   static bool isAncestor(const sxGroup* ancestor, const sxGroup* node);
+  // Whether child is linked below parent, searched in the shorter of the
+  // two lists: a shared instance with thousands of parents gains a new one
+  // (which has few children) at no cost per parent.
+  static bool isLinked(const sxGroup* parent, const sxGroup* child);
   // True when attaching child below parent would break the graph: a null
   // node, the parent itself, a duplicate, or a cycle.
   static bool refusesChild(const sxGroup* parent, const sxGroup* child);
