@@ -318,6 +318,9 @@ bool sxLoader::exportFile(const sxBase* root, const char* name) {
     // target only when the module reports success.
     bool written = writeReplacing(path.c_str(), [&](const char* temporary) {
       if (loader->exportScene(root, temporary)) return ERROR_NONE;
+      if (getError() == ERROR_NOT_SUPPORTED && !lastError.message[0])
+        report(ERROR_NOT_SUPPORTED,
+               "%s: the loader of .%s files reads them but does not write them", path.c_str(), ext);
       return getError() != ERROR_NONE ? getError() : ERROR_WRITE;
     });
     loader->unRef();
