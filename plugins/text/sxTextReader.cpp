@@ -55,6 +55,8 @@ class Parser {
     while (skip(), p < end) {
       if (*p != '@') return fail(p, "expected an entry (@" + std::to_string(numEntries) + ")");
       if (!entry()) return false;
+      // Parsing is most of a text import: it reports how far into the text.
+      if ((numEntries & 4095) == 0) sxLoader::reportProgress(p - begin, end - begin);
     }
     if (numEntries < declared)
       return fail(p, "the file ends after " + std::to_string(numEntries) + " of " +

@@ -455,7 +455,10 @@ bool sxText::print(const sxBase* root, std::FILE* out, std::string& error) {
   Out text(out);
   Printer printer(file, recorder, text);
   printer.header();
-  for (int n = 0; n < file.getNumEntries(); ++n) printer.entry(n);
+  for (int n = 0; n < file.getNumEntries(); ++n) {
+    printer.entry(n);
+    if ((n & 4095) == 4095) sxLoader::reportProgress(n + 1, file.getNumEntries());
+  }
   if (!text.flush()) {
     error = "the file could not be written";
     return false;
