@@ -328,10 +328,6 @@ TEST(sxGroup, LongChainsAreDestroyedWithoutExhaustingTheStack) {
   EXPECT_EQ(sxGroup::getNum(false), before - 1000001);
 }
 
-}  // namespace
-
-namespace {
-
 struct Counter : sxTraverser {
   Counter() { setTravContext(new sxTravContext); }
   int visits = 0;
