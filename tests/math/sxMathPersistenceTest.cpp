@@ -2,13 +2,10 @@
 #include <sx/sxCore.h>
 
 #include <climits>
-#include <string>
 #include <type_traits>
 #include <vector>
 
 #include "support/sxReferenceMath.h"
-#include "support/sxReferenceScene.h"
-#include "support/sxTestFiles.h"
 
 // The values of the reference math file, one of every mathematical type,
 // each through its own read and write. Layout and byte order are checked by
@@ -38,27 +35,26 @@ Bytes bytesOf(const T& value) {
   return m.bytes();
 }
 
-// The reference file written under a coarse square root and read under the
-// hardware one into objects that start out different: the frustum's derived
-// planes and sphere are stored, not rebuilt through sxSqrt. Without an entry
-// nothing is read or written; cut records never read past their data.
+// The reference values written under a coarse square root and read under
+// the hardware one into objects that start out different: the frustum's
+// derived planes and sphere are stored, not rebuilt through sxSqrt. Without
+// an entry nothing is read or written; cut records never read past their
+// data.
 TEST(MathPersistence, EveryTypeRoundTripsBitForBitAndStaysInBounds) {
   const SXSQRT_METHOD before = sxGetSqrtMethod();
   sxSetSqrtMethod(SXSQRT_TABLE_256);
   const float coarse = sxReference::math::frustum().getBoundingSphere().radius;
-  sxTempDir dir;
-  const std::string path = dir.file("math.sx");
-  ASSERT_TRUE(sxReference::writeMathFile(path.c_str()));
+  MemoryEntry all;
   std::vector<Bytes> written;
-  sxReference::eachMathValue(
-      [&](const auto& value, const char*) { written.push_back(bytesOf(value)); });
+  sxReference::eachMathValue([&](const auto& value, const char*) {
+    value.write(all.entry);
+    written.push_back(bytesOf(value));
+  });
   sxSetSqrtMethod(SXSQRT_HARDWARE);
   ASSERT_NE(sxReference::math::frustum().getBoundingSphere().radius, coarse)
       << "the methods must give different frusta for this test to tell";
-  sxFile in;
-  ASSERT_TRUE(in.open(path.c_str(), "r"));
-  sxEntry* loaded = in.getEntry(0);
-  ASSERT_TRUE(in.readEntry(loaded));
+  sxEntry* loaded = all.entry;
+  loaded->reset();
   std::size_t i = 0;
   sxReference::eachMathValue([&](const auto& value, const char* name) {
     using T = std::remove_cvref_t<decltype(value)>;

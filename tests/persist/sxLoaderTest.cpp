@@ -11,7 +11,6 @@
 #include <utility>
 #include <vector>
 
-#include "support/sxCycles.h"
 #include "support/sxReferenceScene.h"
 #include "support/sxTestFiles.h"
 #include "support/sxTestHolder.h"
@@ -197,47 +196,6 @@ TEST(ObjectPersistence, UnwritableAttributesAndReadingWithoutAnEntry) {
   EXPECT_EQ(h->read(&scene, nullptr), scene.findEntry("sxTestHolder"));
   EXPECT_STREQ(h->getName(), "array0");
   EXPECT_EQ(event->read(&scene, nullptr), nullptr) << "no entry of that class";
-}
-
-// A chain far deeper than writing and reading recurse keeps every object, its
-// fields and its sharing: each refers back to the root (and the root to an
-// unnamed object; the reference scene has one referring to itself).
-TEST(ObjectPersistence, DeepChainsRoundTrip) {
-  const int length = 5000;
-  sxRef<sxBase> root(make("0"));
-  sxKeepCycle(root.get());
-  root->enableDynamic(true);
-  sxBase* last = root.get();
-  for (int i = 1; i < length; ++i) {
-    sxBase* next = make(std::to_string(i).c_str());
-    next->addAttribute(root.get());
-    last->addAttribute(next);
-    last = next;
-  }
-  root->addAttribute(make(nullptr));
-  sxTempDir dir;
-  const std::string path = dir.file("objects.sx");
-  ASSERT_TRUE(sxWriteFile(path, [&](sxFile& f) { EXPECT_NE(root->write(&f, nullptr), nullptr); }));
-  // The object of entry 0 is read back by hand.
-  sxRef<sxBase> back;
-  sxFile reader;
-  ASSERT_TRUE(reader.open(path.c_str(), "r"));
-  sxEntry* first = reader.getEntry(0);
-  back = sxType::createInstance(reader.getTagDesc(first->getTag()));
-  sxKeepCycle(back.get());
-  first->setHandle(back.get());
-  ASSERT_EQ(back->read(&reader, first), first);
-  EXPECT_TRUE(back->isDynamic());
-  ASSERT_NE(sxAttribute(back.get(), 1), nullptr);
-  EXPECT_EQ(sxAttribute(back.get(), 1)->getName(), nullptr);
-  int n = 0;
-  for (const sxBase* o = back.get(); o; ++n) {
-    ASSERT_EQ(std::string(o->getName()), std::to_string(n));
-    ASSERT_TRUE(n == 0 || sxAttribute(o, 0) == back.get()) << n;
-    o = sxAttribute(o, n == 0 ? 0 : 1);
-  }
-  EXPECT_EQ(n, length);
-  EXPECT_EQ(reader.getNumEntries(), length + 1) << "each object once";
 }
 
 }  // namespace

@@ -1,25 +1,18 @@
 #include <gtest/gtest.h>
 #include <sx/sxCore.h>
 
-#include <unistd.h>
-
-#include <filesystem>
-#include <fstream>
 #include <string>
+
+#include "support/sxTestFiles.h"
 
 namespace {
 
 class sxDotLoaderTest : public testing::Test {
  protected:
-  void SetUp() override { std::filesystem::create_directories(dir); }
-  void TearDown() override { std::filesystem::remove_all(dir); }
-
   // Exports root to a .dot file and gives its text.
   std::string exportText(const sxBase* root) {
-    const std::string path = (dir / "graph.DOT").string();
     EXPECT_TRUE(sxLoader::exportFile(root, path.c_str())) << sxLoader::getErrorMessage();
-    std::ifstream in(path);
-    return std::string(std::istreambuf_iterator<char>(in), {});
+    return sxReadText(path);
   }
 
   static int count(const std::string& text, const std::string& what) {
@@ -28,8 +21,8 @@ class sxDotLoaderTest : public testing::Test {
     return n;
   }
 
-  std::filesystem::path dir =
-      std::filesystem::temp_directory_path() / ("sxDotLoader." + std::to_string(getpid()));
+  sxTempDir dir;
+  const std::string path = dir.file("graph.DOT");
 };
 
 }  // namespace
@@ -93,7 +86,6 @@ TEST_F(sxDotLoaderTest, DeepChainExports) {
 TEST_F(sxDotLoaderTest, ImportIsRefused) {
   sxRef<sxGroup> root = new sxGroup;
   exportText(root.get());
-  const std::string path = (dir / "graph.DOT").string();
   EXPECT_EQ(sxLoader::importFile(path.c_str()), nullptr);
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_OPEN);
   ASSERT_NE(sxLoader::getErrorMessage(), nullptr);

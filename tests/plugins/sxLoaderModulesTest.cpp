@@ -2,8 +2,6 @@
 #include <sx/sxCore.h>
 
 #include <atomic>
-#include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <thread>
@@ -17,11 +15,6 @@ int findLoader(const char* moduleName) {
   for (int i = 0; i < sxLoader::getNumLoaders(); ++i)
     if (std::string(sxLoader::getLoaderName(i)) == moduleName) return i;
   return -1;
-}
-
-std::string readFile(const std::filesystem::path& p) {
-  std::ifstream in(p);
-  return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
 }  // namespace
@@ -67,7 +60,7 @@ TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
   root->setName("probe root");
   const std::string file = dir.file("scene.PROBE");
   ASSERT_TRUE(sxLoader::exportFile(root.get(), file.c_str())) << sxLoader::getErrorMessage();
-  EXPECT_EQ(readFile(file), "probe root\n");
+  EXPECT_EQ(sxReadText(file), "probe root\n");
   EXPECT_EQ(dir.count(), 1) << "no temporary left";
 
   sxPlugIn* record = nullptr;
@@ -87,7 +80,7 @@ TEST(sxLoaderModules, DispatchByExtensionAndLiveObjectsKeepTheModule) {
 
     // The module refuses a null root: the file stays.
     EXPECT_FALSE(sxLoader::exportFile(nullptr, file.c_str()));
-    EXPECT_EQ(readFile(file), "probe root\n");
+    EXPECT_EQ(sxReadText(file), "probe root\n");
     EXPECT_EQ(dir.count(), 1);
   }
   sxPlugIn::unloadAll();

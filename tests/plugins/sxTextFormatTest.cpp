@@ -18,11 +18,6 @@
 
 namespace {
 
-std::string readText(const std::string& path) {
-  auto bytes = sxReadBytes(path);
-  return {bytes.begin(), bytes.end()};
-}
-
 // Floats that only an exact printer keeps: a NaN with a payload, -0, the
 // smallest denormal, infinity and values without a short decimal form.
 sxRef<sxBase> awkwardNumbers() {
@@ -96,7 +91,7 @@ TEST(sxTextFormat, BinaryToTextToBinaryIsByteIdentical) {
     ASSERT_TRUE(sxLoader::exportFile(back.get(), again.c_str()));
     ASSERT_TRUE(sxLoader::exportFile(back.get(), textAgain.c_str()));
     EXPECT_EQ(sxReadBytes(again), sxReadBytes(binary));
-    EXPECT_EQ(readText(textAgain), readText(text));
+    EXPECT_EQ(sxReadText(textAgain), sxReadText(text));
   }
 }
 
@@ -105,7 +100,7 @@ TEST(sxTextFormat, SharedObjectsStayShared) {
   const std::string path = dir.file("shared.sxt");
   sxRef<sxBase> root = awkwardNumbers();
   ASSERT_TRUE(sxLoader::exportFile(root.get(), path.c_str()));
-  const std::string text = readText(path);
+  const std::string text = sxReadText(path);
   EXPECT_NE(text.find("  name \"numbers \\\"quoted\\\"\\n\\ttabbed\"\n"), std::string::npos);
   EXPECT_NE(text.find("floats [nan:7fc01234 -0 1e-45 inf 0.1 0.33333334]"), std::string::npos)
       << text;
@@ -171,6 +166,6 @@ TEST(sxTextFormat, FailedExportKeepsTheExistingFile) {
   sxWriteBytes(path, {'o', 'l', 'd'});
   EXPECT_FALSE(sxLoader::exportFile(nullptr, path.c_str()));
   EXPECT_EQ(sxLoader::getError(), sxLoader::ERROR_WRITE);
-  EXPECT_EQ(readText(path), "old");
+  EXPECT_EQ(sxReadText(path), "old");
   EXPECT_EQ(dir.count(), 1);
 }

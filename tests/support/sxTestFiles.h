@@ -38,6 +38,11 @@ inline std::vector<unsigned char> sxReadBytes(const std::string& path) {
   return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
 }
 
+inline std::string sxReadText(const std::string& path) {
+  const std::vector<unsigned char> bytes = sxReadBytes(path);
+  return {bytes.begin(), bytes.end()};
+}
+
 inline void sxWriteBytes(const std::string& path, const std::vector<unsigned char>& bytes) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
