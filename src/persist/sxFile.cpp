@@ -308,20 +308,17 @@ bool sxFile::create(const char* path) {
   fd = sxPlatform::fileOpen(path, sxPlatform::FileMode::create);
   if (fd < 0) return fail(ERR_OPEN);
   openFlags = createFlags;
-  fileName = copyString(path);
-  header = static_cast<sxiFileHeader*>(sxMemory::calloc(1, sizeof(sxiFileHeader)));
-  if (!fileName || !header) {
-    cleanUp();
-    return fail(ERR_OPEN);
-  }
-  header->magic = magic;
-  header->version = sxGetVersion();
-  return true;
+  return startWriting(path);
 }
 
 bool sxFile::createInMemory(const char* name) {
   cleanUp();
-  if (!name || !state) return fail(ERR_OPEN);
+  if (!name || !state || !startWriting(name)) return fail(ERR_OPEN);
+  state->inMemory = true;
+  return true;
+}
+
+bool sxFile::startWriting(const char* name) {
   fileName = copyString(name);
   header = static_cast<sxiFileHeader*>(sxMemory::calloc(1, sizeof(sxiFileHeader)));
   if (!fileName || !header) {
@@ -330,7 +327,6 @@ bool sxFile::createInMemory(const char* name) {
   }
   header->magic = magic;
   header->version = sxGetVersion();
-  state->inMemory = true;
   return true;
 }
 

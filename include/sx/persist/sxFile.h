@@ -117,6 +117,8 @@ class SX_API sxFile {
  private:
   friend class sxEntry;
   friend struct sxiFileAccess;
+  // The name and a fresh header of a file being written.
+  bool startWriting(const char* name);
   int addEntry(sxEntry* entry);
   bool writeDirectory();
   bool writeData();
