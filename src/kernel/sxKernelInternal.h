@@ -23,6 +23,10 @@ inline int compareIgnoreCase(const char* a, const char* b) {
   return int(foldCase(*x)) - int(foldCase(*y));
 }
 
+// A heap copy (sxMemory) of s with room for `extra` more bytes after its
+// terminator; null for null or when memory runs out.
+char* copyString(const char* s, std::size_t extra = 0);
+
 // Set by sxInit: plug-in records constructed afterwards count instances.
 bool initFlag();
 // Marks the library initialised; false when it already was.

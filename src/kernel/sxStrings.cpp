@@ -5,6 +5,14 @@
 
 #include "kernel/sxKernelInternal.h"
 
+char* sxiKernel::copyString(const char* s, std::size_t extra) {
+  if (!s) return nullptr;
+  std::size_t n = std::strlen(s) + 1;
+  char* p = static_cast<char*>(sxMemory::malloc(n + extra));
+  if (p) std::memcpy(p, s, n);
+  return p;
+}
+
 int sxStrcmp(const char* a, const char* b, bool ignoreCase) {
   if (!a && !b) return 0;
   if (!a || !b) return -1;

@@ -13,16 +13,10 @@
 
 namespace {
 
+using sxiKernel::copyString;
+
 constinit sxiModuleStatic<sxTList<sxPlugIn*>> plugIns;
 constinit bool plugInLoadingEnabled = false;
-
-char* copyString(const char* s) {
-  if (!s) return nullptr;
-  std::size_t n = std::strlen(s) + 1;
-  char* p = static_cast<char*>(sxMemory::malloc(n));
-  if (p) std::memcpy(p, s, n);
-  return p;
-}
 
 void replaceString(char*& field, const char* s) {
   char* copy = copyString(s);

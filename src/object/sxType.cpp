@@ -12,6 +12,8 @@
 
 namespace {
 
+using sxiKernel::copyString;
+
 constinit sxiModuleStatic<sxTList<sxType*>> typeList;
 // The name hashes of typeList, in the same order, so that a lookup scans
 // one contiguous array instead of visiting every record.
@@ -31,13 +33,6 @@ std::uint32_t foldedHash(const char* s) {
     ++w;
   }
   return w;
-}
-
-char* copyString(const char* s) {
-  std::size_t n = std::strlen(s) + 1;
-  char* p = static_cast<char*>(sxMemory::malloc(n));
-  if (p) std::memcpy(p, s, n);
-  return p;
 }
 
 int findRegistered(const char* name) {

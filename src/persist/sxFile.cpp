@@ -11,6 +11,7 @@
 #include <cstring>
 #include <new>
 
+#include "kernel/sxKernelInternal.h"
 #include "persist/sxByteOrder.h"
 #include "persist/sxFileState.h"
 #include "persist/sxRunLength.h"
@@ -18,19 +19,14 @@
 
 namespace {
 
+using sxiKernel::copyString;
+
 constexpr int readOnlyFlags = 0;
 constexpr int readWriteFlags = 1;
 constexpr int createFlags = 2;
 constexpr std::size_t transferBufferSize = 256 * 1024;
 // Progress is reported once per 1024 entries read or written (a mask).
 constexpr long long progressInterval = 1023;
-
-char* copyString(const char* s) {
-  std::size_t n = std::strlen(s) + 1;
-  char* p = static_cast<char*>(sxMemory::malloc(n));
-  if (p) std::memcpy(p, s, n);
-  return p;
-}
 
 // Collects small writes into large ones. Remembers a failure, after which
 // nothing more is written.

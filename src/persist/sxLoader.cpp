@@ -27,6 +27,8 @@ struct sxiFileType {
 
 namespace {
 
+using sxiKernel::copyString;
+
 using String = sxiKernel::String;
 
 // Shared by every thread: the native file types and the save directory.
@@ -48,13 +50,6 @@ struct Progress {
   void* user;
 };
 constinit thread_local Progress progress{};
-
-char* copyString(const char* s, std::size_t extra = 0) {
-  std::size_t n = std::strlen(s) + 1;
-  char* p = static_cast<char*>(sxMemory::malloc(n + extra));
-  if (p) std::memcpy(p, s, n);
-  return p;
-}
 
 // The extension of a path: the text after the last '.' of its file name,
 // or null when the file name has none.

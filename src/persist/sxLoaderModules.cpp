@@ -21,18 +21,13 @@ struct sxiLoaderDef {
 
 namespace {
 
+using sxiKernel::copyString;
+
 // The definitions only grow; a loader's constructor (on the thread that
 // loads its module) adds to them while other threads look up extensions.
 constinit std::mutex defsLock;
 constinit sxiModuleStatic<sxTList<sxiLoaderDef*>> defs;
 constinit sxiModuleStatic<sxTList<sxLoader*>> liveLoaders;
-
-char* copyString(const char* s) {
-  std::size_t n = std::strlen(s) + 1;
-  char* p = static_cast<char*>(sxMemory::malloc(n));
-  if (p) std::memcpy(p, s, n);
-  return p;
-}
 
 sxiLoaderDef* defAt(int i) {
   return defs->indexInRange(i) ? (*defs)[i] : nullptr;
