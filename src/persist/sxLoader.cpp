@@ -65,12 +65,17 @@ const char* extensionOf(const char* path) {
 }
 
 // A failure of this layer: the code and a sentence naming the file.
-[[gnu::format(printf, 2, 3)]] void report(sxLoader::LOADER_ERROR code, const char* format, ...) {
+void reportList(sxLoader::LOADER_ERROR code, const char* format, std::va_list args) {
   lastError.code = code;
   lastError.hasMessage = true;
+  lastError.message[0] = 0;
+  if (format) std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
+}
+
+[[gnu::format(printf, 2, 3)]] void report(sxLoader::LOADER_ERROR code, const char* format, ...) {
   std::va_list args;
   va_start(args, format);
-  std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
+  reportList(code, format, args);
   va_end(args);
 }
 
@@ -106,13 +111,9 @@ bool writeReplacing(const char* path, Write write) {
 }  // namespace
 
 bool sxLoader::fail(LOADER_ERROR code, const char* format, ...) {
-  lastError.code = code;
-  lastError.hasMessage = true;
-  lastError.message[0] = 0;
-  if (!format) return false;
   std::va_list args;
   va_start(args, format);
-  std::vsnprintf(lastError.message, sizeof lastError.message, format, args);
+  reportList(code, format, args);
   va_end(args);
   return false;
 }
