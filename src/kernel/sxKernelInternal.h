@@ -63,7 +63,6 @@ bool findModuleFile(const char* name, String& path);
 // Plug-in diagnostics (every directory tried, file found or not, the
 // system's reason for a failure): on while SXCORE_DEBUG_PLUGINS is set and
 // not "0", or while a trace function is installed (sxSetPlugInTrace).
-bool plugInTraceOn();
 [[gnu::format(printf, 1, 2)]] void plugInTrace(const char* format, ...);
 
 // Set-up and clean-up of the module-wide lists owned by the services.

@@ -2,11 +2,11 @@
 
 #include <sx/kernel/sxKernel.h>
 
-#include <atomic>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <vector>
 
 #include "kernel/sxKernelInternal.h"
@@ -16,13 +16,10 @@ namespace {
 
 constexpr std::size_t maxDirectory = 4096;
 
-struct Trace {
-  sxPlugInTraceFunc func;
-  void* user;
-};
-constinit std::atomic<Trace*> installed{nullptr};
-constinit Trace traces[2] = {};
-constinit std::atomic<int> traceSlot{0};
+// The installed trace function; taken rarely (only while modules load).
+constinit std::mutex traceLock;
+constinit sxPlugInTraceFunc traceFunc = nullptr;
+constinit void* traceUser = nullptr;
 
 bool debugFromEnvironment() {
   // Read once: the first search happens at sxInit, before anything else
@@ -49,31 +46,27 @@ bool offer(const char* dir, std::size_t length, bool (*visit)(const char*, void*
 }  // namespace
 
 void sxSetPlugInTrace(sxPlugInTraceFunc func, void* user) {
-  if (!func) {
-    installed.store(nullptr, std::memory_order_release);
-    return;
-  }
-  // Two slots, so that a reader of the previous one never sees it change.
-  Trace* t = &traces[traceSlot.fetch_xor(1, std::memory_order_relaxed) & 1];
-  t->func = func;
-  t->user = user;
-  installed.store(t, std::memory_order_release);
-}
-
-bool sxiKernel::plugInTraceOn() {
-  return installed.load(std::memory_order_acquire) || debugFromEnvironment();
+  std::lock_guard<std::mutex> hold(traceLock);
+  traceFunc = func;
+  traceUser = func ? user : nullptr;
 }
 
 void sxiKernel::plugInTrace(const char* format, ...) {
-  Trace* t = installed.load(std::memory_order_acquire);
-  if (!t && !debugFromEnvironment()) return;
+  sxPlugInTraceFunc func;
+  void* user;
+  {
+    std::lock_guard<std::mutex> hold(traceLock);
+    func = traceFunc;
+    user = traceUser;
+  }
+  if (!func && !debugFromEnvironment()) return;
   char line[1200];
   std::va_list args;
   va_start(args, format);
   std::vsnprintf(line, sizeof line, format, args);
   va_end(args);
-  if (t)
-    t->func(line, t->user);
+  if (func)
+    func(line, user);
   else
     std::fprintf(stderr, "sxCore plug-ins: %s\n", line);
 }
