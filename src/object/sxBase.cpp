@@ -6,6 +6,7 @@
 
 #include "object/sxAttributeTable.h"
 #include "object/sxDeletion.h"
+#include "object/sxObjectPool.h"
 
 SX_IMPLEMENT_CLASS_STATICS(sxBase, void, sxType)
 
@@ -41,6 +42,14 @@ void sxBase::endArenaCopy() {
 sxArena* sxBase::getCopyArena() {
   int d = copyState.depth;
   return d > 0 && d <= CopyState::maxDepth ? copyState.arenas[d - 1] : nullptr;
+}
+
+void* sxBase::operator new(std::size_t size) noexcept {
+  return sxiObjectPool::allocate(size);
+}
+
+void sxBase::operator delete(void* p, std::size_t size) noexcept {
+  sxiObjectPool::release(p, size);
 }
 
 void* sxBase::operator new(std::size_t size, sxArena* arena) noexcept {

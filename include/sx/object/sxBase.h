@@ -93,11 +93,19 @@ class SX_API sxBase : public sxMemory {
   // True while obj is a copy made in an arena (never listed, never freed).
   bool isDisposable() const { return slot.load(std::memory_order_relaxed) == disposableSlot; }
 
-  // Allocation goes through the accounted heap or an arena.
-  static void* operator new(std::size_t size) noexcept { return sxMemory::malloc(size); }
+  /// Objects come from the library's object pool: slots of fixed sizes cut
+  /// from large slabs, handed out by a per-thread cache, accounted in
+  /// sxMemory::getSize() by slot size. Slots are 8-aligned, and 16-aligned
+  /// for sizes that are multiples of 16 (every 16-aligned class). Slabs are
+  /// kept for the objects made next rather than given back to the system.
+  /// Null when memory is exhausted.
+  static void* operator new(std::size_t size) noexcept;
+  /// Allocation in an arena: released only with the arena.
   static void* operator new(std::size_t size, sxArena* arena) noexcept;
   static void* operator new(std::size_t, void* place) noexcept { return place; }
-  static void operator delete(void* p) noexcept { sxMemory::free(p); }
+  /// Sized: the deleting destructor passes the size of the object's own
+  /// class, which names its slot's size.
+  static void operator delete(void* p, std::size_t size) noexcept;
   static void operator delete(void*, sxArena*) noexcept {}
   static void operator delete(void*, void*) noexcept {}
 
