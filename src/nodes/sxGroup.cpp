@@ -4,6 +4,7 @@
 
 #include "nodes/sxGroupEdits.h"
 #include "platform/sxDeepStack.h"
+#include "platform/sxPlatform.h"
 
 SX_DEFINE_CLASS(sxGroup, sxGroupType)
 
@@ -14,7 +15,7 @@ namespace {
 // the child skips updating them and telling its sub-graph: taking a chain
 // or a tree down then costs one notification per node, not one per node
 // and ancestor.
-thread_local bool formerParentDying = false;
+SX_TLS_FAST constinit thread_local bool formerParentDying = false;
 }  // namespace
 
 sxGroup::sxGroup(const sxGroup& source) : sxBase(source) {}

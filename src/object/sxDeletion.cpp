@@ -7,6 +7,7 @@
 #include "kernel/sxHooks.h"
 #include "kernel/sxKernelLocks.h"
 #include "object/sxDeletion.h"
+#include "platform/sxPlatform.h"
 
 namespace {
 // Objects whose deletion has been deferred and not yet carried out.
@@ -59,7 +60,7 @@ struct WorkList {
   int holds;
   Objects parked;
 };
-constinit thread_local WorkList destructions{};
+SX_TLS_FAST constinit thread_local WorkList destructions{};
 }  // namespace
 
 void sxiDeletion::release(sxBase* obj) {

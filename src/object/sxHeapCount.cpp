@@ -5,7 +5,7 @@
 
 namespace sxiHeapCount {
 
-constinit thread_local Counter* current = nullptr;
+SX_TLS_FAST constinit thread_local Counter* current = nullptr;
 
 namespace {
 

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "platform/sxPlatform.h"
+
 // The running total of sxMemory, kept per thread: accounting a block is a
 // plain add to the thread's own counter instead of an atomic
 // read-modify-write on a cache line that every allocating thread shares. A
@@ -19,7 +21,7 @@ struct Counter {
 // The calling thread's counter: null before its first block, and again once
 // the thread's own clean-up has run (what it frees later goes to the shared
 // total).
-extern constinit thread_local Counter* current;
+SX_TLS_FAST extern constinit thread_local Counter* current;
 
 void addShared(std::int64_t delta);
 

@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "object/sxHeapCount.h"
+#include "platform/sxPlatform.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define SX_POOL_BYPASS 1
@@ -95,8 +96,8 @@ constinit std::atomic<std::size_t> reservedBytes{0};
 
 // Null before the thread's first object, and again once the thread's own
 // clean-up has run: what it makes or frees later goes through the lock.
-constinit thread_local Cache* cache = nullptr;
-constinit thread_local bool retired = false;
+SX_TLS_FAST constinit thread_local Cache* cache = nullptr;
+SX_TLS_FAST constinit thread_local bool retired = false;
 
 void pushBatch(int c, Free* first, std::size_t count) {
   first->count = count;

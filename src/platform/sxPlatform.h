@@ -10,6 +10,17 @@
 #include <cstdint>
 #include <mutex>
 
+// Thread-local variables touched in every object's life: the initial-exec
+// model makes an access one load instead of a call into the dynamic linker.
+// The library's static thread-local block is reserved when a program that
+// links it starts; keep such variables few and small, so that a library
+// opened later still fits the loader's reserve.
+#if defined(__GNUC__) && !defined(_WIN32)
+#define SX_TLS_FAST [[gnu::tls_model("initial-exec")]]
+#else
+#define SX_TLS_FAST
+#endif
+
 namespace sxPlatform {
 
 // Separator that the search path appends to directories.

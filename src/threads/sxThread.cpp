@@ -21,7 +21,7 @@ SX_DEFINE_CLASS(sxThread)
 
 namespace {
 
-thread_local sxThread* currentThread = nullptr;
+SX_TLS_FAST constinit thread_local sxThread* currentThread = nullptr;
 
 // Triggers beyond this many uncounted run() calls are dropped.
 constexpr int maxTriggers = 512;
