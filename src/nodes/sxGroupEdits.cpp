@@ -54,6 +54,7 @@ void sxiGroupEdits::addedToWalk(sxGroup* node, sxGroup* parent) {
     const int num = f.node->children.getNum();
     if (f.next >= num) f.next = num - 1;
     if (f.next >= 0) {
+      prefetchSiblings(f.node, f.next, -1);
       sxGroup* child = f.node->children[f.next--];
       const Frame next{child, f.node, child->children.getNum() - 1};
       prefetchChildren(child);

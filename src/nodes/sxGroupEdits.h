@@ -20,19 +20,25 @@ struct sxiGroupEdits {
     (void)g;
 #endif
   }
-  // The other half of the wait: a child's children array is a block of its
-  // own, reached only through the child. While the pass works below child
-  // i, the array of child i + 1 (whose group the prefetch above brought in)
-  // is on its way.
-  static void prefetchNextArray(const sxGroup* g, int i) {
+  // The rest of the wait, pipelined along the siblings a pass visits next:
+  // a child's children array is a block of its own, reached only through
+  // the child. While the pass works below one child, the children of the
+  // next sibling (whose array the step before asked for) and the array of
+  // the one after are on their way. step is +1 for a pass that visits the
+  // children first to last, -1 for one that goes from the last.
+  static void prefetchSiblings(const sxGroup* g, int i, int step) {
 #if defined(__GNUC__)
-    if (i + 1 >= g->children.getNum()) return;
-    const sxGroup* next = g->children[i + 1];
-    const sxList& list = next->children;
-    if (list.getNum() > 0) __builtin_prefetch(&list[0]);
+    const int n = g->children.getNum();
+    const int next = i + step, after = i + 2 * step;
+    if (next >= 0 && next < n) prefetchChildren(g->children[next]);
+    if (after >= 0 && after < n) {
+      const sxList& list = static_cast<const sxGroup*>(g->children[after])->children;
+      if (list.getNum() > 0) __builtin_prefetch(&list[0]);
+    }
 #else
     (void)g;
     (void)i;
+    (void)step;
 #endif
   }
   static sxTList<sxGroup*>& children(sxGroup* g) {

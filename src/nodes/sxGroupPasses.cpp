@@ -62,7 +62,7 @@ sxTraverser::TRAV_STATE sxGroup::apply(sxTraverser* t, bool skipPreApply) {
     sxiGroupEdits::prefetchChildren(this);
     for (int i = 0; i < children.getNum(); ++i) {
       sxGroup* child = children[i];
-      sxiGroupEdits::prefetchNextArray(this, i);
+      sxiGroupEdits::prefetchSiblings(this, i, 1);
       if (callChild([&] { return child->apply(t, false); }) == sxTraverser::TRAV_STOP)
         return sxTraverser::TRAV_STOP;
     }
@@ -103,7 +103,7 @@ void sxGroup::update(sxTravContext* ctx) {
   sxiGroupEdits::prefetchChildren(this);
   for (int i = 0; i < children.getNum(); ++i) {
     sxGroup* child = children[i];
-    sxiGroupEdits::prefetchNextArray(this, i);
+    sxiGroupEdits::prefetchSiblings(this, i, 1);
     if (child->travFlags & TRAV_UPDATE_MASK) callChild([&] { child->update(ctx); });
   }
 }
@@ -113,7 +113,7 @@ void sxGroup::updateFences(sxTravContext* ctx) {
   sxiGroupEdits::prefetchChildren(this);
   for (int i = 0; i < children.getNum(); ++i) {
     sxGroup* child = children[i];
-    sxiGroupEdits::prefetchNextArray(this, i);
+    sxiGroupEdits::prefetchSiblings(this, i, 1);
     callChild([&] { child->updateFences(ctx); });
   }
 }

@@ -7,6 +7,7 @@
 #include "object/sxAttributeTable.h"
 #include "object/sxDeletion.h"
 #include "object/sxObjectPool.h"
+#include "platform/sxPlatform.h"
 
 SX_IMPLEMENT_CLASS_STATICS(sxBase, void, sxType)
 
@@ -52,12 +53,43 @@ void sxBase::operator delete(void* p, std::size_t size) noexcept {
   sxiObjectPool::release(p, size);
 }
 
+namespace {
+// The object that newListed made last on this thread and the list id of
+// its class, until the object's sxBase part is built.
+struct PendingListing {
+  void* object;
+  std::uint16_t listId;
+};
+SX_TLS_FAST constinit thread_local PendingListing pendingListing{};
+}  // namespace
+
+void* sxBase::newListed(std::size_t size, const sxType* type) noexcept {
+  void* p = sxiObjectPool::allocate(size);
+  if (p && type && type->listId != 0) pendingListing = {p, type->listId};
+  return p;
+}
+
+// Only the object itself matches: an object made while the arguments of
+// another's constructor were worked out took the note over, and the other
+// is then listed the usual way.
+bool sxBase::takePendingListing() {
+  if (pendingListing.object != this) return false;
+  pendingListing.object = nullptr;
+  slot.store(pendingSlot, std::memory_order_relaxed);
+  listId.store(pendingListing.listId, std::memory_order_relaxed);
+  return true;
+}
+
 void* sxBase::operator new(std::size_t size, sxArena* arena) noexcept {
   return arena ? arena->malloc(unsigned(size)) : nullptr;
 }
 
 sxBase::sxBase(bool unlisted) {
-  if (unlisted) return;
+  if (unlisted) {
+    if (pendingListing.object == this) pendingListing.object = nullptr;
+    return;
+  }
+  if (takePendingListing()) return;
   if (sxType* t = sxClassImpl<sxBase, void, sxType>::type()) t->addInstance(this);
 }
 
@@ -70,6 +102,7 @@ sxBase::sxBase(const sxBase& source) : sxMemory(), flags(source.flags) {
     return;
   }
   initName(source.getName(), nullptr);
+  if (takePendingListing()) return;
   if (sxType* t = sxClassImpl<sxBase, void, sxType>::type()) t->addInstance(this);
 }
 
@@ -99,7 +132,7 @@ sxBase::~sxBase() {
 }
 
 void sxBase::deleteInstance() {
-  if (isDisposable()) return;
+  if (isDisposable() || slot.load(std::memory_order_relaxed) == pendingSlot) return;
   if (sxType* t = sxType::fromListId(listId.load(std::memory_order_relaxed)))
     t->removeInstance(this);
 }
@@ -107,6 +140,13 @@ void sxBase::deleteInstance() {
 void sxBase::listInstance(sxType* type) {
   if (!type || isDisposable()) return;
   const std::uint16_t at = listId.load(std::memory_order_relaxed);
+  if (slot.load(std::memory_order_relaxed) == pendingSlot) {
+    if (at != type->listId) return;  // a class further down its chain lists it
+    slot.store(unlistedSlot, std::memory_order_relaxed);
+    listId.store(0, std::memory_order_relaxed);
+    type->addInstance(this);
+    return;
+  }
   if (at != 0 && at == type->listId) return;
   // Out of the list of the class whose constructor listed it before, into
   // this one's: never both lists' locks at once.

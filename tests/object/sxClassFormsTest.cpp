@@ -87,7 +87,8 @@ void expectListedOnlyUnderOwnClass() {
     sxRef<sxBase> made(sxType::createInstance(C::getClassName()));
     ASSERT_NE(made, nullptr);
     EXPECT_TRUE(made->isOfExactType(C::getClassType()));
-    EXPECT_EQ(C::getNum(false), 2);
+    EXPECT_EQ(std::tuple(C::getNum(false), parent->getNum(false)),
+              std::tuple(2, parentOwn + (parent == sxBase::getClassType())));
   }
   EXPECT_EQ(std::tuple(C::getNum(false), sxBase::getNum(false)), std::tuple(0, base));
 }
@@ -103,4 +104,22 @@ TEST(sxClassForms, EveryFormListsItsObjectsOnceUnderTheirClass) {
   sxFormDerived source;
   source.value = 42;
   EXPECT_EQ(sxFormDerived(source).value, 42) << "implicit copies keep the fields";
+  // Made on the heap: the object made while the arguments of another's
+  // constructor are worked out (after the other's allocation) and a class
+  // without the class line of its own are each listed once.
+  struct Unnamed : sxFormDerived {
+    double extra[9] = {};
+  };
+  const int derived = sxFormDerived::getNum(false), plain = sxFormPlain::getNum(false),
+            base = sxBase::getNum(false);
+  {
+    sxRef<sxFormDerived> outer(new sxFormDerived(*sxRef<sxFormDerived>(new sxFormDerived)));
+    sxRef<Unnamed> unnamed(new Unnamed);
+    EXPECT_EQ(
+        std::tuple(sxFormDerived::getNum(false), sxFormPlain::getNum(false), sxBase::getNum(false)),
+        std::tuple(derived + 2, plain, base + 2));
+    EXPECT_EQ(unnamed->getType(), sxFormDerived::getClassType());
+  }
+  EXPECT_EQ(std::tuple(sxFormDerived::getNum(false), sxBase::getNum(false)),
+            std::tuple(derived, base));
 }

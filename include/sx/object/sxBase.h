@@ -106,6 +106,12 @@ class SX_API sxBase : public sxMemory {
   /// Sized: the deleting destructor passes the size of the object's own
   /// class, which names its slot's size.
   static void operator delete(void* p, std::size_t size) noexcept;
+
+  /// The allocation behind SX_CLASS's operator new: a pool slot, noted on
+  /// the calling thread as an object of type's class, so that it is listed
+  /// once, by that class's listing, instead of by every class of its chain
+  /// in turn (each listing takes a lock). Library use.
+  static void* newListed(std::size_t size, const sxType* type) noexcept;
   static void operator delete(void*, sxArena*) noexcept {}
   static void operator delete(void*, void*) noexcept {}
 
@@ -133,11 +139,16 @@ class SX_API sxBase : public sxMemory {
   friend struct sxiDeletion;
   static constexpr std::int32_t unlistedSlot = -1;
   static constexpr std::int32_t disposableSlot = -2;
+  // Made by newListed and not listed yet: listId names the class whose
+  // listing will list it.
+  static constexpr std::int32_t pendingSlot = -3;
   static constexpr std::uint16_t shortNameBit = 1;
   static constexpr std::uint16_t attributesBit = 2;
   static constexpr std::size_t shortNameSize = 16;
 
   void markDeleted(sxBase* obj);
+  // True when newListed made this object: it is then marked pending.
+  bool takePendingListing();
   // Names an object that has no name yet; the copy goes to the arena when
   // one is given and the name is too long to be kept in place.
   void initName(const char* source, sxArena* arena);

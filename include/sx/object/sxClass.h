@@ -132,6 +132,10 @@ void sxiClassListing<C>::list() noexcept {
 
 #define SX_DECLARE_CLASS_COMMON(Class)                         \
   SX_DECLARE_CLASS_STATICS(Class)                              \
+  using sxBase::operator new;                                  \
+  static void* operator new(std::size_t size) noexcept {       \
+    return sxBase::newListed(size, getClassType());            \
+  }                                                            \
   sxType* getType() const override;                            \
   sxBase* createCopy() const override;                         \
   sxBase* createDisposableCopy(sxArena* arena) const override; \
