@@ -56,7 +56,13 @@ void sxiGroupEdits::addedToWalk(sxGroup* node, sxGroup* parent) {
     if (f.next >= 0) {
       prefetchSiblings(f.node, f.next, -1);
       sxGroup* child = f.node->children[f.next--];
-      const Frame next{child, f.node, child->children.getNum() - 1};
+      const int numChildren = child->children.getNum();
+      // A leaf's walk is its own notification: no frame for it.
+      if (numChildren == 0) {
+        child->addedTo(f.node);
+        continue;
+      }
+      const Frame next{child, f.node, numChildren - 1};
       prefetchChildren(child);
       if (top + 1 == capacity) {
         deep.resize(std::size_t(capacity) * 2);
