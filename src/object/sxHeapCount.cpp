@@ -2,6 +2,7 @@
 #include <mutex>
 
 #include "object/sxHeapCount.h"
+#include "object/sxThreadExit.h"
 
 namespace sxiHeapCount {
 
@@ -23,26 +24,23 @@ std::mutex& registry() {
 }
 
 // Folds the thread's counter into the shared total when the thread ends.
-struct Retirer {
-  bool armed = false;
-  ~Retirer() {
-    Counter* c = current;
-    if (!armed || !c) return;
-    current = nullptr;
-    std::lock_guard<std::mutex> lock(registry());
-    for (Counter** p = &live; *p; p = &(*p)->next) {
-      if (*p != c) continue;
-      *p = c->next;
-      break;
-    }
-    shared.fetch_add(c->bytes.load(std::memory_order_relaxed), std::memory_order_relaxed);
-    c->~Counter();
-    std::free(c);
+void retire() {
+  Counter* c = current;
+  if (!c) return;
+  current = nullptr;
+  std::lock_guard<std::mutex> lock(registry());
+  for (Counter** p = &live; *p; p = &(*p)->next) {
+    if (*p != c) continue;
+    *p = c->next;
+    break;
   }
-};
-thread_local Retirer retirer;
+  shared.fetch_add(c->bytes.load(std::memory_order_relaxed), std::memory_order_relaxed);
+  c->~Counter();
+  std::free(c);
+}
+thread_local sxiThreadExit<retire> retirer;
 // Set once the thread has had a counter, so that none is made again while
-// the thread's last destructors run after the Retirer's.
+// the thread's last destructors run after its hand-back.
 constinit thread_local bool counted = false;
 
 }  // namespace

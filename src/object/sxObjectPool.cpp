@@ -8,6 +8,7 @@
 #include <mutex>
 
 #include "object/sxHeapCount.h"
+#include "object/sxThreadExit.h"
 #include "platform/sxPlatform.h"
 
 #if defined(__SANITIZE_ADDRESS__)
@@ -130,33 +131,30 @@ bool carve(int c, std::size_t want, char*& begin, char*& end) {
 }
 
 // The thread's slots go back to the shared batches when it ends.
-struct Retirer {
-  bool armed = false;
-  ~Retirer() {
-    Cache* k = cache;
-    if (!armed || !k) return;
-    cache = nullptr;
-    retired = true;
-    std::lock_guard<std::mutex> guard(lock);
-    for (int c = 0; c < numClasses; ++c) {
-      Lane& l = k->lanes[c];
-      if (l.head) pushBatch(c, l.head, l.count);
-      // The unused fresh run becomes a batch of its own.
-      const std::size_t slot = slotSize(c);
-      Free* first = nullptr;
-      std::size_t n = 0;
-      for (char* p = l.freshEnd; l.fresh && std::size_t(p - l.fresh) >= slot; ++n) {
-        p -= slot;
-        auto* f = reinterpret_cast<Free*>(p);
-        f->next = first;
-        first = f;
-      }
-      if (first) pushBatch(c, first, n);
+void retire() {
+  Cache* k = cache;
+  if (!k) return;
+  cache = nullptr;
+  retired = true;
+  std::lock_guard<std::mutex> guard(lock);
+  for (int c = 0; c < numClasses; ++c) {
+    Lane& l = k->lanes[c];
+    if (l.head) pushBatch(c, l.head, l.count);
+    // The unused fresh run becomes a batch of its own.
+    const std::size_t slot = slotSize(c);
+    Free* first = nullptr;
+    std::size_t n = 0;
+    for (char* p = l.freshEnd; l.fresh && std::size_t(p - l.fresh) >= slot; ++n) {
+      p -= slot;
+      auto* f = reinterpret_cast<Free*>(p);
+      f->next = first;
+      first = f;
     }
-    std::free(k);
+    if (first) pushBatch(c, first, n);
   }
-};
-thread_local Retirer retirer;
+  std::free(k);
+}
+thread_local sxiThreadExit<retire> retirer;
 
 inline void account(std::int64_t bytes) {
   sxiHeapCount::add(bytes);
