@@ -38,9 +38,12 @@ class SX_API sxMemory {
   // heap can; returns the block (p itself, or p unchanged on failure).
   static void* shrink(void* p, std::size_t size);
   static void free(void* p);
-  // Usable size of p (0 for null).
+  /// Usable size of p (0 for null), a block of malloc, calloc or realloc
+  /// here. Objects (sxBase) are not such blocks: they live in the object
+  /// pool (see sxBase::operator new).
   static std::size_t getSize(const void* p);
-  // Bytes currently allocated through sxMemory.
+  /// Bytes currently allocated through sxMemory, objects included (at the
+  /// size of their pool slots).
   static std::size_t getSize();
   // 0 when the n bytes at a and b are equal, 1 otherwise (no ordering).
   static int compare(const void* a, const void* b, std::size_t n);
