@@ -2,7 +2,6 @@
 
 #include <sx/object/sxMemory.h>
 
-#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <mutex>
@@ -28,9 +27,6 @@ void* allocate(std::size_t size) noexcept {
 }
 void release(void* p, std::size_t) noexcept {
   sxMemory::free(p);
-}
-std::size_t reserved() noexcept {
-  return 0;
 }
 
 #else
@@ -93,7 +89,6 @@ constinit std::mutex lock;
 constinit Shared shared[numClasses] = {};
 // Kept linked so that leak checkers see the slabs as reachable.
 constinit Slab* slabs = nullptr;
-constinit std::atomic<std::size_t> reservedBytes{0};
 
 // Null before the thread's first object, and again once the thread's own
 // clean-up has run: what it makes or frees later goes through the lock.
@@ -116,7 +111,6 @@ bool carve(int c, std::size_t want, char*& begin, char*& end) {
     auto* slab = reinterpret_cast<Slab*>(block);
     slab->next = slabs;
     slabs = slab;
-    reservedBytes.fetch_add(slabBytes, std::memory_order_relaxed);
     // Slots start one grain in, past the link, aligned as malloc aligns.
     s.fresh = block + 16;
     s.freshEnd = block + slabBytes;
@@ -264,10 +258,6 @@ void release(void* p, std::size_t size) noexcept {
   std::lock_guard<std::mutex> guard(lock);
   f->next = nullptr;
   pushBatch(c, f, 1);
-}
-
-std::size_t reserved() noexcept {
-  return reservedBytes.load(std::memory_order_relaxed);
 }
 
 #endif

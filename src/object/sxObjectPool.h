@@ -25,7 +25,5 @@ constexpr std::size_t maxSize = 512;
 void* allocate(std::size_t size) noexcept;
 // size is the one given to allocate (a sized delete passes it).
 void release(void* p, std::size_t size) noexcept;
-// Bytes of slabs taken from the system so far.
-std::size_t reserved() noexcept;
 
 }  // namespace sxiObjectPool
