@@ -75,12 +75,15 @@ class sxiHandleIndex {
 
   std::size_t home(const void* handle) const {
     // Objects written one after another mostly lie one after another in
-    // memory; keeping neighbouring addresses in neighbouring slots keeps
-    // the table's cache lines warm. The high bits are folded in so that
-    // addresses a table's span apart do not pile up in one place.
-    std::uint64_t h = std::uint64_t(reinterpret_cast<std::uintptr_t>(handle)) >> 4;
-    h ^= (h >> 21) * 0x9E3779B97F4A7C15ull >> 40 << 9;
-    return std::size_t(h) & (slots.size() - 1);
+    // memory: the handles of four kilobytes keep their order in a run of
+    // 256 neighbouring slots, which keeps the table's cache lines warm. The
+    // runs themselves are scattered (Fibonacci hashing), because
+    // objects of different sizes come from different runs of memory, whose
+    // handles would otherwise share the slots of one stretch of the table
+    // and pile up in it.
+    const std::uint64_t a = std::uint64_t(reinterpret_cast<std::uintptr_t>(handle)) >> 4;
+    const std::uint64_t run = ((a >> 8) * 0x9E3779B97F4A7C15ull) >> 32;
+    return std::size_t((run << 8) | (a & 255)) & (slots.size() - 1);
   }
   std::size_t next(std::size_t i) const { return (i + 1) & (slots.size() - 1); }
 
